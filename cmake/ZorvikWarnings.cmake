@@ -1,0 +1,12 @@
+# zv_warnings(TARGET): our own code compiles clean, and sanitizers reach every target.
+function(zv_warnings target)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /utf-8)
+        return()
+    endif()
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    if(ZV_SANITIZE)
+        target_compile_options(${target} PRIVATE -fsanitize=${ZV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+        target_link_options(${target} PRIVATE -fsanitize=${ZV_SANITIZE})
+    endif()
+endfunction()

@@ -1,0 +1,7 @@
+#include "core/Component.h"
+
+namespace zv {
+
+Component::~Component() = default;
+
+}  // namespace zv
