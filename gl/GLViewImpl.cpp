@@ -1,0 +1,7 @@
+#include "gl/GLViewImpl.h"
+
+namespace zv {
+
+GLViewImpl::~GLViewImpl() = default;
+
+}  // namespace zv
