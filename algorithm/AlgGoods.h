@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "algorithm/AlgBizBase.h"
+#include "algorithm/AlgDetector.h"
+
+namespace kel_algorithm {
+
+/// The goods business: articles found in the picture, as the host's detector supplies them. The host makes it
+/// and fills a slot with it, see AlgEngine::setBiz(). Without a detector nothing is delivered.
+class ZV_API AlgGoods : public AlgBizBase {
+public:
+    using Detector = AlgDetector<AlgGoodsList>;
+
+    explicit AlgGoods(AlgEngine* engine);
+    ~AlgGoods() override;
+
+    static AlgBizType bizType() { return ALG_BIZ_GOODS; }
+    /// The types 0 and 4.
+    static bool supportFunc(AlgFuncType type) { return type == (type & 4); }
+
+    void run() override;
+    bool isSupportFunc(AlgFuncType type) const override { return supportFunc(type); }
+    AlgBizType getBizType() const override { return bizType(); }
+
+    /// Shares ownership of the detector; null takes it away. A change made from inside detect() or a callback
+    /// shows in the next frame.
+    void setDetector(const std::shared_ptr<Detector>& detector) { mDetector = detector; }
+
+private:
+    std::shared_ptr<Detector> mDetector;
+    AlgGoodsList mResults;
+    AlgGoodsList mSpare;
+};
+
+}  // namespace kel_algorithm
