@@ -1,0 +1,158 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <ostream>
+
+#include "effects/HsvNode.h"
+#include "scene/RenderTextureChain.h"
+#include "support/MediaTest.h"
+#include "support/PictureCompare.h"
+
+namespace zv::test {
+
+struct Factors {
+    const char* name;
+    double hue, saturation, value;
+};
+
+void PrintTo(const Factors& factors, std::ostream* stream) {
+    *stream << factors.name;
+}
+
+namespace {
+
+double cut(double x) {
+    return std::min(std::max(x, 0.0), 1.0);
+}
+
+/// The hexcone model in its textbook form, sector by sector (Smith 1978), in double precision, in 8-bit steps
+/// but not rounded.
+std::array<double, 3> reference(const Pixel& pixel, const Factors& factors) {
+    const double r = pixel[0] / 255.0, g = pixel[1] / 255.0, b = pixel[2] / 255.0;
+    const double largest = std::max({r, g, b});
+    const double chroma = largest - std::min({r, g, b});
+    double turn = 0.0;
+    if (chroma > 0.0) {
+        turn = largest == r   ? (g - b) / chroma
+               : largest == g ? 2.0 + (b - r) / chroma
+                              : 4.0 + (r - g) / chroma;
+        turn /= 6.0;
+        turn -= std::floor(turn);
+    }
+    turn *= factors.hue;
+    turn -= std::floor(turn);
+    const double s = largest > 0.0 ? cut(chroma / largest * factors.saturation) : 0.0;
+    const double v = cut(largest * factors.value);
+    const int sector = static_cast<int>(std::floor(turn * 6.0));
+    const double part = turn * 6.0 - sector;
+    const double p = v * (1.0 - s), q = v * (1.0 - s * part), t = v * (1.0 - s * (1.0 - part));
+    const double rows[6][3] = {{v, t, p}, {q, v, p}, {p, v, t}, {p, q, v}, {t, p, v}, {v, p, q}};
+    const auto& row = rows[sector % 6];
+    return {row[0] * 255.0, row[1] * 255.0, row[2] * 255.0};
+}
+
+Pixel rounded(const Pixel& pixel, const Factors& factors) {
+    Pixel result{0, 0, 0, pixel[3]};
+    for (std::size_t i = 0; i < 3; ++i) {
+        result[i] = static_cast<std::uint8_t>(std::lround(reference(pixel, factors)[i]));
+    }
+    return result;
+}
+
+/// 65 steps of each channel, every alpha somewhere.
+Picture cube() {
+    constexpr int kSteps = 65;
+    const auto level = [](int step) { return static_cast<std::uint8_t>((step * 255 + 32) / 64); };
+    return Picture::make(kSteps * kSteps, kSteps, [&](int x, int y) {
+        return Pixel{level(x % kSteps), level(x / kSteps), level(y), static_cast<std::uint8_t>(x + 7 * y)};
+    });
+}
+
+}  // namespace
+
+class HsvNodePicture : public MediaTest, public testing::WithParamInterface<Factors> {
+protected:
+    /// One HSV stage between the input and an RGBA output of the same size.
+    HsvNode* setUp(const Picture& picture) {
+        const Size16 size(static_cast<unsigned short>(picture.width),
+                          static_cast<unsigned short>(picture.height));
+        RenderTexture* output = RenderTexture::create(size, nullptr, PXFORMAT_RGBA8888);
+        media->init(makeSprite(picture), size, output, false);
+        RenderTextureChain* chain = RenderTextureChain::create(size, media->getFrameBuffer());
+        HsvNode* node = HsvNode::create(size, media->getFrameBuffer(), PXFORMAT_RGBA8888);
+        chain->add(node, true, false);
+        media->setRenderChain(chain);
+        return node;
+    }
+    static Picture adjusted(const Picture& picture, const Factors& factors) {
+        return Picture::make(picture.width, picture.height,
+                             [&](int x, int y) { return rounded(picture.at(x, y), factors); });
+    }
+};
+
+// Half a step is what rounding to 8 bits costs, and a hundredth more for single precision. Against the
+// rounded reference that is up to one step, in the few pixels that lie between two steps. Factors of 1 change
+// nothing.
+TEST_P(HsvNodePicture, FollowsTheFormulaOverTheWholeColourCube) {
+    const Factors& factors = GetParam();
+    const Picture picture = cube();
+    HsvNode* node = setUp(picture);
+    node->setHue(static_cast<float>(factors.hue));
+    node->setSaturation(static_cast<float>(factors.saturation));
+    node->setValue(static_cast<float>(factors.value));
+    frame();
+    const Picture actual = output();
+    const bool identity = factors.hue == 1.0 && factors.saturation == 1.0 && factors.value == 1.0;
+    expectNear(actual, identity ? picture : adjusted(picture, factors), identity ? 0.0 : 1.0,
+               identity ? 0.0 : 0.05, std::string("hsv-") + factors.name);
+    double farthest = 0.0;
+    int coloured = 0;
+    for (int x = 0; x < picture.width; ++x) {
+        for (int y = 0; y < picture.height; ++y) {
+            const Pixel before = picture.at(x, y);
+            const Pixel after = actual.at(x, y);
+            const std::array<double, 3> exact = reference(before, factors);
+            for (std::size_t i = 0; i < 3; ++i) {
+                farthest = std::max(farthest, std::abs(after[i] - exact[i]));
+            }
+            const bool wasGrey = before[0] == before[1] && before[1] == before[2];
+            coloured += wasGrey && (after[0] != after[1] || after[1] != after[2]);
+        }
+    }
+    EXPECT_LE(farthest, 0.51);
+    EXPECT_EQ(coloured, 0) << "a grey took on a hue";
+}
+
+INSTANTIATE_TEST_SUITE_P(Factors, HsvNodePicture,
+                         testing::Values(Factors{"Identity", 1, 1, 1}, Factors{"HalfHue", 0.5, 1, 1},
+                                         Factors{"HueWraps", 2.75, 1, 1}, Factors{"NegativeHue", -1, 1, 1},
+                                         Factors{"NoHue", 0, 1, 1}, Factors{"Grey", 1, 0, 1},
+                                         Factors{"Pale", 1, 0.4375, 1}, Factors{"Saturated", 1, 3, 1},
+                                         Factors{"SaturationBelowNone", 1, -2, 1},
+                                         Factors{"Dark", 1, 1, 0.3125}, Factors{"Bright", 1, 1, 2.5},
+                                         Factors{"Black", 1, 1, 0}, Factors{"ValueBelowNone", 1, 1, -1},
+                                         Factors{"AllThree", 1.625, 0.75, 1.25},
+                                         Factors{"Huge", 1, 1e30, 1e30}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(HsvNodePicture, ActsOnlyWhileItsStageIsEnabled) {
+    const Picture picture = Picture::noise(kWidth, kHeight);
+    HsvNode* node = setUp(picture);
+    node->setSaturation(0.0F);
+    RenderTextureChain* chain = media->getRenderChain();
+    const Picture grey = adjusted(picture, {"", 1, 0, 1});
+    for (int round = 0; round < 2; ++round) {
+        frame();
+        expectNear(output(), grey, 1.0, 0.1, "hsv-on");
+        EXPECT_EQ(pictureOf(node->getTexture(0)), picture) << "its own target holds the input as it is";
+        chain->setRenderTextureEnable(node, false, false);
+        frame();
+        EXPECT_EQ(output(), picture);
+        chain->setRenderTextureEnable(node, true, false);
+    }
+    media->removeRenderChain();
+    frame();
+    EXPECT_EQ(output(), picture);
+}
+
+}  // namespace zv::test
