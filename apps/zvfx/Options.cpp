@@ -1,0 +1,218 @@
+#include "zvfx/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <string_view>
+
+namespace zvfx {
+
+namespace {
+
+constexpr int kBadUsage = 2;
+constexpr int kLargestSide = 65535;
+constexpr int kMostFrames = 1000000;
+constexpr double kMostFps = 1000;
+
+constexpr const char* kDescription =
+    "zvfx puts a picture through Zorvik's effects.\n"
+    "Without an effect the output's pixels equal the input's.\n";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  zvfx photo.jpg -o photo.png                         convert, nothing else\n"
+    "  zvfx photo.jpg -o small.png --size 640x360          scale\n"
+    "  zvfx photo.png -o vivid.png --hsv 1,1.4,1           stronger colours\n"
+    "  zvfx photo.png -o grey.png --hsv 1,0,1              no colours\n"
+    "  zvfx photo.png -o - --hsv 1,1,1.2 | display         brighter, to standard output\n"
+    "  zvfx photo.png -o out.png --frames 500 --stats s.json\n"
+    "                                                      how fast is it here?\n"
+    "\n"
+    "Exit status: 0 done, 1 the work failed, 2 bad usage.";
+
+/// Reads one number that ends where the text ends or a separator follows; the separator is taken away as
+/// well.
+template <class Number>
+bool takeNumber(std::string_view& text, char separator, Number& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc()) {
+        return false;
+    }
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    if (separator == '\0') {
+        return text.empty();
+    }
+    if (text.empty() || text.front() != separator) {
+        return false;
+    }
+    text.remove_prefix(1);
+    return true;
+}
+
+std::string parseSize(std::string_view text, std::optional<Options::Size>& size) {
+    Options::Size read{};
+    std::string_view rest = text;
+    if (!takeNumber(rest, 'x', read.width) || !takeNumber(rest, '\0', read.height)) {
+        return "--size takes WIDTHxHEIGHT, for example 1280x720, not \"" + std::string(text) + "\"";
+    }
+    if (std::min(read.width, read.height) < 1 || std::max(read.width, read.height) > kLargestSide) {
+        return "--size takes a width and a height from 1 to 65535, not \"" + std::string(text) + "\"";
+    }
+    size = read;
+    return {};
+}
+
+std::string parseHsv(std::string_view text, std::optional<Options::Hsv>& hsv) {
+    Options::Hsv read{};
+    std::string_view rest = text;
+    if (!takeNumber(rest, ',', read.hue) || !takeNumber(rest, ',', read.saturation) ||
+        !takeNumber(rest, '\0', read.value)) {
+        return "--hsv takes three factors HUE,SATURATION,VALUE, for example 1,1.2,1, not \"" +
+               std::string(text) + "\"";
+    }
+    for (const float factor : {read.hue, read.saturation, read.value}) {
+        if (!std::isfinite(factor) || factor < 0) {
+            return "--hsv takes factors of 0 or more, not \"" + std::string(text) + "\"";
+        }
+    }
+    hsv = read;
+    return {};
+}
+
+template <class Number>
+std::string parseCount(std::string_view text, const char* option, Number most, Number& count) {
+    Number read{};
+    std::string_view rest = text;
+    if (!takeNumber(rest, '\0', read) || !(read > 0) || !(read <= most)) {
+        return std::string(option) + " takes a number above 0, at most " +
+               std::to_string(static_cast<int>(most)) + ", not \"" + std::string(text) + "\"";
+    }
+    count = read;
+    return {};
+}
+
+std::string lowerExtension(const std::string& path) {
+    std::string extension = std::filesystem::u8path(path).extension().u8string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return extension;
+}
+
+std::string checkNames(const Options& options) {
+    const std::string in = lowerExtension(options.input);
+    if (in != ".png" && in != ".bmp" && in != ".jpg" && in != ".jpeg") {
+        return "the input is a .png, .bmp or .jpg file, not \"" + options.input + "\"";
+    }
+    if (!options.toStandardOutput() && lowerExtension(options.output) != ".png") {
+        return "the output is a .png file, or - for standard output, not \"" + options.output + "\"";
+    }
+    return {};
+}
+
+void makeAbsolute(std::string& path) {
+    std::error_code error;
+    if (!path.empty() && path != "-") {
+        const std::filesystem::path absolute =
+            std::filesystem::absolute(std::filesystem::u8path(path), error);
+        path = error ? path : absolute.u8string();
+    }
+}
+
+ParseResult badUsage(std::string message) {
+    std::replace(message.begin(), message.end(), '\n', ' ');
+    return {false, kBadUsage, "zvfx: " + message + " (zvfx --help shows how)"};
+}
+
+/// The texts of the options that are read here rather than by the parser.
+struct Texts {
+    std::string size;
+    std::string hsv;
+    std::string gl = "core";
+    std::string frames;
+    std::string fps;
+};
+
+void declare(CLI::App& app, Options& options, Texts& texts) {
+    app.footer(kExamples);
+    app.get_formatter()->label("REQUIRED", "");
+    app.set_help_flag("-h,--help", "print this text");
+    app.set_version_flag("--version", "zvfx " ZVFX_VERSION, "print the version");
+    app.add_option("INPUT", options.input, "the picture: .png, .bmp or .jpg")->required()->type_name("");
+    app.add_option("-o,--output", options.output,
+                   "where it goes: a .png file, or - for PNG on standard output")
+        ->required()
+        ->type_name("OUTPUT");
+    app.add_option("--size", texts.size, "size of the output in pixels (default: the input's)")
+        ->type_name("WxH");
+    app.add_option("--hsv", texts.hsv, "multiply hue, saturation and value; 1,1,1 changes nothing")
+        ->type_name("H,S,V");
+    app.add_option("--res", options.resources, "the folder that holds zv_res (default: found by itself)")
+        ->type_name("DIR");
+    app.add_option("--gl", texts.gl, "kind of GL context: core (default) or compat")->type_name("KIND");
+    app.add_option("--stats", options.stats, "write counts and times as JSON")->type_name("FILE");
+    app.add_option("--frames", texts.frames,
+                   "send the picture through N times (default 1), the last one is kept")
+        ->type_name("N");
+    app.add_option("--fps", texts.fps, "frames a second that effects see pass by (default 25)")
+        ->type_name("F");
+    app.add_flag("--quiet", options.quiet, "no progress bar");
+}
+
+/// Reads what the parser left as texts. @return what is wrong, or nothing
+std::string interpret(const CLI::App& app, const Texts& texts, Options& options) {
+    std::string wrong;
+    const auto given = [&](const char* name) { return wrong.empty() && app.count(name) != 0; };
+    if (given("--size")) {
+        wrong = parseSize(texts.size, options.size);
+    }
+    if (given("--hsv")) {
+        wrong = parseHsv(texts.hsv, options.hsv);
+    }
+    if (given("--frames")) {
+        wrong = parseCount(texts.frames, "--frames", kMostFrames, options.frames);
+    }
+    if (given("--fps")) {
+        wrong = parseCount(texts.fps, "--fps", kMostFps, options.fps);
+    }
+    if (given("--gl") && texts.gl != "core" && texts.gl != "compat") {
+        wrong = "--gl takes core or compat, not \"" + texts.gl + "\"";
+    }
+    options.core = texts.gl == "core";
+    for (const auto& [name, text] :
+         {std::pair("--res", &options.resources), std::pair("--stats", &options.stats),
+          std::pair("--output", &options.output), std::pair("INPUT", &options.input)}) {
+        if (given(name) && text->empty()) {
+            wrong = std::string(name) + " is empty";
+        }
+    }
+    return wrong.empty() ? checkNames(options) : wrong;
+}
+
+}  // namespace
+
+ParseResult parseOptions(int argc, const char* const* argv, Options& options) {
+    CLI::App app(kDescription, "zvfx");
+    Texts texts;
+    try {
+        declare(app, options, texts);
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        return {false, 0, app.help()};
+    } catch (const CLI::CallForVersion& version) {
+        return {false, 0, version.what()};
+    } catch (const CLI::Error& error) {
+        return badUsage(error.what());
+    }
+    const std::string wrong = interpret(app, texts, options);
+    if (!wrong.empty()) {
+        return badUsage(wrong);
+    }
+    for (std::string* path : {&options.input, &options.output, &options.resources, &options.stats}) {
+        makeAbsolute(*path);
+    }
+    return {true, 0, {}};
+}
+
+}  // namespace zvfx

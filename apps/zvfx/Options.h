@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace zvfx {
+
+/// What the command line asks for.
+struct Options {
+    struct Size {
+        int width;
+        int height;
+    };
+    /// Factors of hue, saturation and value; none negative.
+    struct Hsv {
+        float hue;
+        float saturation;
+        float value;
+    };
+
+    std::string input;   ///< absolute path
+    std::string output;  ///< absolute path, or "-" for standard output
+    std::optional<Size> size;
+    std::optional<Hsv> hsv;
+    std::string resources;  ///< absolute path of the folder that holds zv_res; empty: look for it
+    bool core = true;       ///< a core profile context, or else a compatibility one
+    std::string stats;      ///< absolute path of the JSON file; empty: none
+    int frames = 1;
+    double fps = 25;
+    bool quiet = false;
+
+    bool toStandardOutput() const { return output == "-"; }
+};
+
+/// How parsing ended.
+struct ParseResult {
+    bool run = false;     ///< false: there is nothing to do but to end with `status`
+    int status = 0;       ///< 0 after --help and --version, 2 after bad usage
+    std::string message;  ///< what to print: help and version on standard output, bad usage on standard error
+};
+
+/// Reads the command line into `options`.
+ParseResult parseOptions(int argc, const char* const* argv, Options& options);
+
+}  // namespace zvfx

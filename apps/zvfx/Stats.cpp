@@ -1,0 +1,29 @@
+#include "zvfx/Stats.h"
+
+#include <nlohmann/json.hpp>
+
+namespace zvfx {
+
+std::vector<std::uint8_t> Stats::toJson() const {
+    nlohmann::ordered_json json;
+    json["frames"] = frames;
+    json["width"] = width;
+    json["height"] = height;
+    json["seconds"] = seconds;
+    json["stages"] = {
+        {"decode", decode}, {"setup", setup}, {"render", render}, {"read", read}, {"encode", encode}};
+    const double perFrame = render + read;
+    json["frames_per_second"] = perFrame > 0 ? frames / perFrame : 0;
+    if (callsPerFrame) {
+        json["gl_calls_per_frame"] = *callsPerFrame;
+    } else {
+        json["gl_calls_per_frame"] = nullptr;
+    }
+    json["renderer"] = renderer;
+    json["gl_version"] = version;
+    // A driver may put anything into its texts; what is no UTF-8 is replaced.
+    const std::string text = json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return {text.begin(), text.end()};
+}
+
+}  // namespace zvfx

@@ -1,0 +1,245 @@
+// How zvfx behaves as a command: what it says, how it ends, what it leaves behind.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "apps/RunProgram.h"
+#include "support/Picture.h"
+#include "support/TempDir.h"
+
+namespace zv::test {
+
+namespace {
+
+/// A PNG header that promises a size and holds nothing.
+std::string emptyPng(std::uint32_t width, std::uint32_t height) {
+    std::string bytes = "\x89PNG\r\n\x1a\n";
+    bytes.append("\0\0\0\rIHDR", 8);
+    for (const std::uint32_t value : {width, height}) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            bytes += static_cast<char>(value >> shift);
+        }
+    }
+    bytes.append("\x08\x02\0\0\0\0\0\0\0", 9);
+    return bytes.append("\0\0\0\0IDAT\0\0\0\0", 12);
+}
+
+}  // namespace
+
+TEST(ZvfxCommandLine, HelpAndVersionGoToStandardOutput) {
+    const ProgramResult help = runZvfx({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* word : {"-o,--output", "--size WxH", "--hsv H,S,V", "--res", "--gl", "--stats",
+                             "--frames", "--fps", "--quiet", "--version", "Examples:", "Exit status:"}) {
+        EXPECT_NE(help.output.find(word), std::string::npos) << word;
+    }
+    const ProgramResult version = runZvfx({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "zvfx " ZVFX_VERSION "\n");
+}
+
+struct UsageCase {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* message;  ///< a part of it
+};
+
+void PrintTo(const UsageCase& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class ZvfxBadUsage : public ::testing::TestWithParam<UsageCase> {};
+
+TEST_P(ZvfxBadUsage, EndsWithTwoAndSaysWhyInOneLine) {
+    const ProgramResult result = runZvfx(GetParam().arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(result.saysOneLine()) << result.error;
+    EXPECT_NE(result.error.find(GetParam().message), std::string::npos) << result.error;
+    EXPECT_EQ(result.output, "");
+}
+
+std::vector<std::string> with(std::vector<std::string> options) {
+    options.insert(options.begin(), {"in.png", "-o", "out.png"});
+    return options;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , ZvfxBadUsage,
+    ::testing::Values(UsageCase{"Nothing", {}, "required"},
+                      UsageCase{"NoOutput", {"in.png"}, "--output is required"},
+                      UsageCase{"UnknownOption", with({"--colour"}), "--colour"},
+                      UsageCase{"SecondInput", with({"other.png"}), "other.png"},
+                      UsageCase{"OptionWithoutValue", with({"--size"}), "--size"},
+                      UsageCase{"OptionTwice", with({"--size", "1x1", "--size", "2x2"}), "--size"},
+                      UsageCase{"SizeZero", with({"--size", "0x4"}), "from 1 to 65535, not \"0x4\""},
+                      UsageCase{"SizeNegative", with({"--size", "4x-4"}), "--size"},
+                      UsageCase{"SizeTooLarge", with({"--size", "65536x1"}), "from 1 to 65535"},
+                      UsageCase{"SizeOverflows", with({"--size", "99999999999x1"}), "--size"},
+                      UsageCase{"SizeWithTextAfter", with({"--size", "4x4px"}), "--size takes WIDTHxHEIGHT"},
+                      UsageCase{"SizeWithOneNumber", with({"--size", "4"}), "--size takes WIDTHxHEIGHT"},
+                      UsageCase{"SizeEmpty", with({"--size", ""}), "--size"},
+                      UsageCase{"HsvTwoNumbers", with({"--hsv", "1,1"}), "--hsv takes three factors"},
+                      UsageCase{"HsvFourNumbers", with({"--hsv", "1,1,1,1"}), "--hsv takes three factors"},
+                      UsageCase{"HsvText", with({"--hsv", "1,1,1x"}), "--hsv takes three factors"},
+                      UsageCase{"HsvNegative", with({"--hsv", "1,-1,1"}), "0 or more"},
+                      UsageCase{"HsvNegativeFirst", with({"--hsv", "-1,1,1"}), "0 or more"},
+                      UsageCase{"HsvNotANumber", with({"--hsv", "1,nan,1"}), "0 or more"},
+                      UsageCase{"HsvInfinite", with({"--hsv", "1,1,inf"}), "0 or more"},
+                      UsageCase{"GlUnknown", with({"--gl", "es"}), "core or compat, not \"es\""},
+                      UsageCase{"FramesZero", with({"--frames", "0"}), "--frames"},
+                      UsageCase{"FramesFraction", with({"--frames", "1.5"}), "--frames"},
+                      UsageCase{"FpsNotANumber", with({"--fps", "nan"}), "--fps"},
+                      UsageCase{"FpsZero", with({"--fps", "0"}), "--fps"},
+                      UsageCase{"InputOfAnotherKind", {"in.gif", "-o", "out.png"}, ".png, .bmp or .jpg"},
+                      UsageCase{
+                          "OutputOfAnotherKind", {"in.png", "-o", "out.jpg"}, "the output is a .png file"},
+                      UsageCase{"OutputWithoutEnding", {"in.png", "-o", "out"}, "the output is a .png file"},
+                      UsageCase{"OutputEmpty", {"in.png", "-o", ""}, "empty"}),
+    [](const auto& row) { return row.param.name; });
+
+struct FailureCase {
+    const char* name;
+    const char* file;     ///< the input's name in a folder that holds it with `content`
+    std::string content;  ///< empty: the file is not made
+    std::vector<std::string> options;
+    const char* message;
+};
+
+void PrintTo(const FailureCase& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class ZvfxFailedWork : public ::testing::TestWithParam<FailureCase> {};
+
+TEST_P(ZvfxFailedWork, EndsWithOneSaysWhyAndLeavesTheOldOutput) {
+    const FailureCase& row = GetParam();
+    const TempDir folder;
+    if (!row.content.empty()) {
+        folder.write(row.file, row.content);
+    }
+    folder.write("folder.png/keep", "x");
+    folder.write("out.png", "what was there before");
+    std::vector<std::string> arguments = {folder.file(row.file), "-o", folder.file("out.png"), "--quiet"};
+    for (const std::string& option : row.options) {
+        arguments.push_back(option[0] == '@' ? folder.file(option.substr(1)) : option);
+    }
+    const std::vector<std::string> before = folder.entries();
+    const ProgramResult result = runZvfx(arguments);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.saysOneLine()) << result.error;
+    EXPECT_NE(result.error.find(row.message), std::string::npos) << result.error;
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(readFile(folder.file("out.png")), "what was there before");
+    EXPECT_EQ(folder.entries(), before);
+}
+
+std::string validPng() {
+    const TempDir folder;
+    EXPECT_TRUE(Picture::noise(40, 40).save(folder.file("a.png")));
+    return readFile(folder.file("a.png"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , ZvfxFailedWork,
+    ::testing::Values(
+        FailureCase{"MissingInput", "none.png", "", {}, "none.png: no such file"},
+        FailureCase{"FolderAsInput", "folder.png", "", {}, "is a folder"},
+        FailureCase{"NoPicture", "a.png", "this is a text", {}, "is no PNG, BMP or JPEG picture"},
+        FailureCase{"CutShort", "a.png", validPng().substr(0, 2000), {}, "cannot be decoded"},
+        FailureCase{"TooWide", "a.png", emptyPng(70000, 1), {}, "65535"},
+        FailureCase{"TooMuchMemory", "a.png", emptyPng(8193, 8192), {}, "256 MiB"},
+        FailureCase{"OutputTooMuchMemory", "a.png", validPng(), {"--size", "60000x60000"}, "256 MiB"},
+        FailureCase{"WiderThanGl", "a.png", validPng(), {"--size", "65535x1"}, "pixels wide and high"},
+        FailureCase{"NoShaders", "a.png", validPng(), {"--res", "@folder.png"}, "holds no zv_res/shaders"},
+        FailureCase{
+            "StatsFolderMissing", "a.png", validPng(), {"--stats", "@none/s.json"}, "folder does not exist"},
+        FailureCase{"StatsIsAFolder", "a.png", validPng(), {"--stats", "@folder.png"}, "is a folder"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ZvfxCommandLine, OutputThatCannotBeMadeFails) {
+    const TempDir folder;
+    const std::string input = folder.write("in.png", validPng());
+    folder.write("folder.png/keep", "x");
+    for (const char* name : {"none/out.png", "folder.png"}) {
+        const ProgramResult result = runZvfx({input, "-o", folder.file(name)});
+        EXPECT_EQ(result.status, 1) << name;
+        EXPECT_TRUE(result.saysOneLine()) << result.error;
+    }
+    EXPECT_EQ(folder.entries(), (std::vector<std::string>{"folder.png", "in.png"}));
+}
+
+TEST(ZvfxCommandLine, StandardOutputCarriesThePictureAndNothingElse) {
+    const TempDir folder;
+    const Picture picture = Picture::noise(13, 9, 4, false);
+    ASSERT_TRUE(picture.save(folder.file("in.png")));
+    const ProgramResult result = runZvfx({folder.file("in.png"), "-o", "-"});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.output.substr(1, 3), "PNG");
+    EXPECT_EQ(result.output.substr(result.output.size() - 8, 4), "IEND");
+    EXPECT_EQ(Picture::load(folder.write("out.png", result.output)), picture);
+}
+
+#if defined(__linux__)
+TEST(ZvfxCommandLine, AFullDiskLeavesTheOldFileAndADeviceIsNotReplaced) {
+    const TempDir folder;
+    const std::string input = folder.write("in.png", validPng());
+    const ProgramResult full = runZvfx({input, "-o", "-"}, "/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_TRUE(full.saysOneLine()) << full.error;
+    // A disk that takes the beginning only: what was there stays, and the half is taken away.
+    folder.write("old.png", "what was there before");
+    const ProgramResult half =
+        runZvfx({input, "-o", folder.file("old.png")}, {}, "trap '' XFSZ; ulimit -f 1; ");
+    EXPECT_EQ(half.status, 1);
+    EXPECT_TRUE(half.saysOneLine()) << half.error;
+    EXPECT_EQ(readFile(folder.file("old.png")), "what was there before");
+    EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.png", "old.png"}));
+    // A link to a device: the device takes the bytes, and link and device stay.
+    ASSERT_EQ(std::system(("ln -s /dev/null '" + folder.file("link.png") + "'").c_str()), 0);
+    EXPECT_EQ(runZvfx({input, "-o", folder.file("link.png")}).status, 0);
+    EXPECT_EQ(readFile("/dev/null"), "");
+    EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.png", "link.png", "old.png"}));
+}
+#endif
+
+TEST(ZvfxCommandLine, NamesMayHoldSpacesQuotesAndLettersOfAnyKind) {
+    const TempDir folder;
+    const Picture picture = Picture::noise(3, 3);
+    const std::string input = folder.write("a b's \xC3\xA4\xE6\x97\xA5.png", "");
+    ASSERT_TRUE(picture.save(input));
+    const std::string output = folder.file("o \xC3\xBC.PNG");
+    EXPECT_EQ(runZvfx({input, "-o", output}).status, 0);
+    EXPECT_EQ(Picture::load(output), picture);
+}
+
+TEST(ZvfxCommandLine, StatsTellWhatTheRunTook) {
+    const TempDir folder;
+    const std::string input = folder.write("in.png", validPng());
+    const ProgramResult result =
+        runZvfx({input, "-o", folder.file("out.png"), "--stats", folder.file("s.json"), "--frames", "20",
+                 "--fps", "60", "--size", "64x32", "--hsv", "1,2,1"});
+    ASSERT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.error, "") << "no progress bar where there is no terminal";
+    const auto stats = nlohmann::json::parse(readFile(folder.file("s.json")), nullptr, false);
+    ASSERT_TRUE(stats.is_object());
+    EXPECT_EQ(stats.value("frames", 0), 20);
+    EXPECT_EQ(stats.value("width", 0), 64);
+    EXPECT_EQ(stats.value("height", 0), 32);
+    double sum = 0;
+    for (const char* stage : {"decode", "setup", "render", "read", "encode"}) {
+        ASSERT_TRUE(stats.at("stages").contains(stage)) << stage;
+        EXPECT_GT(stats["stages"][stage].get<double>(), 0) << stage;
+        sum += stats["stages"][stage].get<double>();
+    }
+    EXPECT_LE(sum, stats.value("seconds", 0.0) + 1e-6);
+    EXPECT_NE(stats.value("renderer", ""), "");
+#if !defined(_WIN32)
+    // Two passes and a read-back: more than a draw and a bind each, and nothing near the calls of a start.
+    EXPECT_GT(stats.value("gl_calls_per_frame", 0), 15);
+    EXPECT_LT(stats.value("gl_calls_per_frame", 0), 100);
+#endif
+    EXPECT_NE(stats.value("gl_version", ""), "");
+}
+
+}  // namespace zv::test

@@ -1,0 +1,97 @@
+#include "support/AllocationCounter.h"
+
+#include <cstdlib>
+#include <new>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ZV_COUNTS_ALLOCATIONS 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZV_COUNTS_ALLOCATIONS 0
+#else
+#define ZV_COUNTS_ALLOCATIONS 1
+#endif
+#else
+#define ZV_COUNTS_ALLOCATIONS 1
+#endif
+
+namespace {
+
+struct Counts {
+    std::size_t allocations = 0;
+    std::size_t frees = 0;
+    std::size_t bytes = 0;
+    int paused = 0;
+};
+
+// Plain data, so that it can be used before and after everything else of the thread.
+thread_local Counts tCounts;
+
+}  // namespace
+
+#if ZV_COUNTS_ALLOCATIONS
+namespace {
+
+void* allocate(std::size_t size) {
+    if (tCounts.paused == 0) {
+        ++tCounts.allocations;
+        tCounts.bytes += size;
+    }
+    return std::malloc(size != 0 ? size : 1);
+}
+
+void release(void* memory) {
+    if (memory != nullptr && tCounts.paused == 0) {
+        ++tCounts.frees;
+    }
+    std::free(memory);
+}
+
+}  // namespace
+
+// The array, nothrow and sized forms of the standard library end in these. The aligned ones are left alone.
+void* operator new(std::size_t size) {
+    void* memory = allocate(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+void operator delete(void* memory) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    release(memory);
+}
+#endif
+
+namespace zv::test {
+
+AllocationCounter::AllocationCounter()
+    : mAllocations(tCounts.allocations), mFrees(tCounts.frees), mBytes(tCounts.bytes) {}
+
+std::size_t AllocationCounter::allocations() const {
+    return tCounts.allocations - mAllocations;
+}
+
+std::size_t AllocationCounter::frees() const {
+    return tCounts.frees - mFrees;
+}
+
+std::size_t AllocationCounter::bytes() const {
+    return tCounts.bytes - mBytes;
+}
+
+bool AllocationCounter::available() {
+    return ZV_COUNTS_ALLOCATIONS != 0;
+}
+
+void AllocationCounter::pause() {
+    ++tCounts.paused;
+}
+
+void AllocationCounter::resume() {
+    --tCounts.paused;
+}
+
+}  // namespace zv::test

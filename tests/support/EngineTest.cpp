@@ -1,0 +1,34 @@
+#include "support/EngineTest.h"
+
+#include <GL/glew.h>
+
+#include "core/PoolMgr.h"
+#include "core/RefPool.h"
+#include "scene/ZVEngine.h"
+
+namespace zv::test {
+
+EngineTest::EngineTest() = default;
+
+EngineTest::~EngineTest() = default;
+
+void EngineTest::SetUp() {
+    ASSERT_TRUE(prepareContext());
+    engine = std::make_unique<ZVEngine>(context());
+    engine->setAutoUpdate(false);
+}
+
+void EngineTest::TearDown() {
+    if (context() != nullptr) {
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "the test left a GL error pending";
+        engine.reset();
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR))
+            << "the engine's end left a GL error pending";
+    }
+}
+
+void EngineTest::drainPool() {
+    engine->getPoolMgr()->getCurPool()->clear();
+}
+
+}  // namespace zv::test

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "support/GLTest.h"
+
+namespace zv {
+class ZVEngine;
+}
+
+namespace zv::test {
+
+/// A test with an engine of its own on the process-wide context. Pool manager and render state are the
+/// engine's, the resource root is the source tree's. A test that makes another engine calls `engine.reset()`
+/// first.
+class EngineTest : public GLTest {
+protected:
+    EngineTest();
+    ~EngineTest() override;
+
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Drains the engine's current pool.
+    void drainPool();
+
+    std::unique_ptr<ZVEngine> engine;
+};
+
+}  // namespace zv::test
