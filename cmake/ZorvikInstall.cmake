@@ -1,0 +1,40 @@
+# What a host gets: the library, its headers below include/zorvik (so that "scene/ZVMediaEngine.h" keeps its
+# path), the resource tree, zvfx, a CMake package and a pkg-config file. The whole prefix can be moved.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(ZV_INSTALL_RESOURCES "${CMAKE_INSTALL_DATADIR}/zorvik")
+set(ZV_INSTALL_PACKAGE "${CMAKE_INSTALL_LIBDIR}/cmake/Zorvik")
+
+target_include_directories(zorvik PUBLIC "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zorvik>")
+install(TARGETS zorvik EXPORT ZorvikTargets
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+
+foreach(header IN LISTS ZV_HEADERS)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zorvik/${folder}")
+endforeach()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/res/zv_res" DESTINATION "${ZV_INSTALL_RESOURCES}")
+
+if(TARGET zvfx)
+    # The program finds the library beside which it was installed, wherever that is.
+    set_target_properties(zvfx PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    install(TARGETS zvfx RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+endif()
+
+install(EXPORT ZorvikTargets NAMESPACE Zorvik:: DESTINATION "${ZV_INSTALL_PACKAGE}")
+configure_package_config_file(cmake/ZorvikConfig.cmake.in "${PROJECT_BINARY_DIR}/package/ZorvikConfig.cmake"
+    INSTALL_DESTINATION "${ZV_INSTALL_PACKAGE}" PATH_VARS ZV_INSTALL_RESOURCES)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/ZorvikConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/package/ZorvikConfig.cmake"
+    "${PROJECT_BINARY_DIR}/package/ZorvikConfigVersion.cmake" DESTINATION "${ZV_INSTALL_PACKAGE}")
+
+# The prefix as seen from the file's own place: lib/pkgconfig, or lib/<triplet>/pkgconfig.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
+    BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig" OUTPUT_VARIABLE ZV_PC_UP)
+set(ZV_PC_PREFIX "\${pcfiledir}/${ZV_PC_UP}")
+configure_file(cmake/zorvik.pc.in "${PROJECT_BINARY_DIR}/package/zorvik.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/package/zorvik.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
