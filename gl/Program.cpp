@@ -238,8 +238,8 @@ void Program::updateUniforms() {
     mFlags.setFlag(HAS_MAT_MV, mBuiltins[MAT_MV] != -1);
     mFlags.setFlag(HAS_MAT_MVP, mBuiltins[MAT_MVP] != -1);
     use();
-    for (int unit = 0; unit < 4; ++unit) {
-        setUniform(mBuiltins[SAMPLER0 + unit], unit);
+    for (std::size_t unit = 0; unit < 4; ++unit) {
+        setUniform(mBuiltins[SAMPLER0 + unit], static_cast<int>(unit));
     }
 }
 

@@ -61,9 +61,10 @@ fetch_sources() {
 fetch_source() {
     local version
     for version in $(private_apt apt-cache showsrc "$1" | awk '$1 == "Version:" { print $2 }' | sort -Vru); do
-        (cd "$work/sources" && private_apt apt-get source "$1=$version") && return 0
-        say "windows-deps: $1 $version cannot be fetched"
+        (cd "$work/sources" && private_apt apt-get source "$1=$version" >>"$work/fetch.log" 2>&1) && return 0
+        say "windows-deps: $1 $version cannot be fetched, trying the one before"
     done
+    cat "$work/fetch.log" >&2
     return 1
 }
 
@@ -72,10 +73,10 @@ build() {
     local name=$1 source=$2
     shift 2
     say "windows-deps: building $name"
-    cmake -S "$source" -B "$work/build-$name" -G Ninja --log-level=ERROR \
+    cmake -S "$source" -B "$work/build-$name" -G Ninja \
         -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DZV_WINDOWS_DEPS="$work/prefix" -DCMAKE_BUILD_TYPE=Release \
-        -DCMAKE_INSTALL_PREFIX="$work/prefix" -DBUILD_SHARED_LIBS=OFF -Wno-dev "$@" >&2
-    cmake --build "$work/build-$name" --parallel "$jobs" --target install >"$work/$name.log" 2>&1 ||
+        -DCMAKE_INSTALL_PREFIX="$work/prefix" -DBUILD_SHARED_LIBS=OFF -Wno-dev "$@" >"$work/$name.log" 2>&1 &&
+        cmake --build "$work/build-$name" --parallel "$jobs" --target install >>"$work/$name.log" 2>&1 ||
         { tail -n 40 "$work/$name.log" >&2; return 1; }
 }
 
