@@ -69,6 +69,8 @@ bool RenderTextureChain::init(const TVec<2, unsigned short>& size, FrameBuffer* 
 
 void RenderTextureChain::initNodes() {}
 
+void RenderTextureChain::onLeave(RenderTexture*) {}
+
 void RenderTextureChain::update(float dt) {
     const UpdatePass pass;
     for (const Entry& entry : mEntries) {
@@ -156,6 +158,7 @@ void RenderTextureChain::take(std::size_t index) {
     const Entry entry = mEntries[index];
     RenderTexture* member = entry.member;
     member->retain();  // until it is unlinked
+    onLeave(member);
     mEntries.erase(mEntries.begin() + static_cast<std::ptrdiff_t>(index));
     member->removeFromParent();
     if (find(member) == mEntries.end()) {
@@ -174,6 +177,9 @@ void RenderTextureChain::take(std::size_t index) {
 
 void RenderTextureChain::clearAllRenderTexture() {
     Entries former;
+    for (const Entry& entry : mEntries) {
+        onLeave(entry.member);
+    }
     former.swap(mEntries);
     if (isIn(former, mOutput.get())) {
         mOutput.set(nullptr);

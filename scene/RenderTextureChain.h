@@ -112,6 +112,9 @@ protected:
     /// alive.
     void removeUnusedRenderTexture();
 
+    /// Hook: `member` is about to lose an entry; it is still linked. Empty here.
+    virtual void onLeave(RenderTexture* member);
+
 private:
     struct Entry {
         RenderTexture* member;

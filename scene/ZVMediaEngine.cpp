@@ -85,7 +85,7 @@ bool ZVMediaEngine::init(Sprite* input, const TVec<2, unsigned short>& size, Ref
 void ZVMediaEngine::dropPipeline() {
     removeScreenNode();
     if (mChain.get()) {
-        unlinkChainOutput();
+        unlinkChain();
     }
     if (mLast.get()) {
         mLast.get()->removeFromParent();
@@ -132,14 +132,13 @@ void ZVMediaEngine::setRenderChain(RenderTextureChain* chain) {
         linkChainOutput();
         linkInput();
     }
-    syncScreenNode();
 }
 
 void ZVMediaEngine::removeRenderChain() {
     if (!mChain.get()) {
         return;
     }
-    unlinkChainOutput();
+    unlinkChain();
     mChain.set(nullptr);
     mChainValid = false;
     linkInput();
@@ -204,7 +203,7 @@ void ZVMediaEngine::relink() {
     mChainValid = isRenderChainValid();
     if (!mChainValid && mChain.get()) {
         // Its last picture must not lie over the live one.
-        unlinkChainOutput();
+        unlinkChain();
         mChain.get()->setOutput(nullptr);
     }
     linkInput();

@@ -58,6 +58,7 @@ public:
     /// Takes the place of the chain before; null as removeRenderChain().
     void setRenderChain(RenderTextureChain* chain);
     RenderTextureChain* getRenderChain() const { return mChain.get(); }
+    /// The input leaves the chain, as it does while no member is enabled.
     void removeRenderChain();
     /// Whether there is a chain with at least one enabled member.
     bool isRenderChainValid() const;
@@ -135,7 +136,7 @@ private:
     bool makeLast(Ref* output, const TVec<2, unsigned short>& size);
     void linkInput();
     void linkChainOutput();
-    void unlinkChainOutput();
+    void unlinkChain();
     void reSetupSticker();
     void detach(Node* node);
     void addToScene(Node* node);

@@ -86,9 +86,11 @@ void ZVMediaEngine::linkChainOutput() {
     mChain.get()->setLinkNode(output->getParent());
 }
 
-void ZVMediaEngine::unlinkChainOutput() {
+/// The chain draws for this engine no more: its output goes, and what it did to the input ends.
+void ZVMediaEngine::unlinkChain() {
     detach(mChain.get()->getOutput());
     mChain.get()->setLinkNode(nullptr);
+    mChain.get()->setInputNode(nullptr);
 }
 
 void ZVMediaEngine::reSetupSticker() {

@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zv::test {
 
@@ -23,9 +24,8 @@ void writePng(png_structp png, png_infop info, const PngContent& content, png_by
                  PNG_FILTER_TYPE_DEFAULT);
     png_color palette[256] = {};
     const std::size_t colours = content.palette.size() / 3;
-    for (std::size_t i = 0; i < colours; ++i) {
+    for (std::size_t i = 0; i < colours; ++i)
         palette[i] = {content.palette[i * 3], content.palette[i * 3 + 1], content.palette[i * 3 + 2]};
-    }
     if (colours > 0)
         png_set_PLTE(png, info, palette, static_cast<int>(colours));
     png_color_16 grey = {};
@@ -43,9 +43,8 @@ Bytes pngFile(const PngContent& content) {
     Bytes file;
     Bytes rowBytes = content.rows;
     std::vector<png_bytep> rows(content.height);
-    for (std::size_t y = 0; y < rows.size(); ++y) {
+    for (std::size_t y = 0; y < rows.size(); ++y)
         rows[y] = rowBytes.data() + y * (rowBytes.size() / rows.size());
-    }
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
     png_set_write_fn(png, &file, append, nullptr);
@@ -56,22 +55,20 @@ Bytes pngFile(const PngContent& content) {
 
 Bytes bmpFile(const BmpContent& content) {
     Bytes file(54 + content.pixels.size());
-    const auto put = [&](std::size_t offset, std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) {
-            file[offset + static_cast<std::size_t>(i)] = static_cast<unsigned char>(value >> (8 * i));
-        }
-    };
-    file[0] = 'B';
-    file[1] = 'M';
-    put(2, static_cast<std::uint32_t>(file.size()), 4);
-    put(10, 54, 4);
-    put(14, 40, 4);
-    put(18, static_cast<std::uint32_t>(content.width), 4);
-    put(22, static_cast<std::uint32_t>(content.height), 4);
-    put(26, 1, 2);
-    put(28, content.bitsPerPixel, 2);
-    put(30, content.compression, 4);
-    put(34, content.imageSize, 4);
+    // Offset and value, four bytes each; where two overlap the later one stands.
+    const std::pair<std::size_t, std::int64_t> fields[] = {{0, 0x4D42},
+                                                           {2, file.size()},
+                                                           {10, 54},
+                                                           {14, 40},
+                                                           {18, content.width},
+                                                           {22, content.height},
+                                                           {26, 1},
+                                                           {28, content.bitsPerPixel},
+                                                           {30, content.compression},
+                                                           {34, content.imageSize}};
+    for (const auto& [offset, value] : fields)
+        for (std::size_t i = 0; i < 4; ++i)
+            file[offset + i] = static_cast<unsigned char>(value >> (8 * i));
     std::copy(content.pixels.begin(), content.pixels.end(), file.begin() + 54);
     return file;
 }

@@ -1,66 +1,40 @@
 #include "gl/RenderState.h"
 
-#include <GL/glew.h>
-
+#include <utility>
 #include <vector>
 
-#include "gl/ConfigGL.h"
 #include "gl/FrameBuffer.h"
+#include "gl/GLChecks.h"
 #include "gl/Program.h"
 #include "gl/RenderTargetRenderBuffer.h"
-#include "support/AllocationCounter.h"
-#include "support/GLCallRecorder.h"
-#include "support/GLTest.h"
 
-namespace {
+namespace zv::test {
 
-using namespace zv;
-using zv::test::GLCallRecorder;
-using zv::test::GLTest;
-
-class RenderStateTest : public GLTest {
-protected:
-    static GLint integer(GLenum name) {
-        GLint value = -1;
-        glGetIntegerv(name, &value);
-        return value;
-    }
-    static bool hasVertexArrays() { return kind() != Kind::Legacy; }
-};
+using RenderStateTest = RecordedGLTest;
 
 TEST_F(RenderStateTest, FrameBuffersAreBoundOnlyWhenTheNameChanges) {
-    ZV_NEEDS_RECORDER();
     FrameBuffer* first = FrameBuffer::create();
     FrameBuffer* second = FrameBuffer::create();
     FrameBuffer* firstAgain = FrameBuffer::createDefault(static_cast<int>(first->getFBO()));
-    RenderState& state = *renderState();
+    using Names = std::vector<long long>;
+    const Names none, toFirst{first->getFBO()}, toSecond{second->getFBO()}, toDefault{0};
+    // Null stands for a pop.
+    const std::pair<FrameBuffer*, Names> steps[] = {
+        {first, toFirst},   {first, none},   {firstAgain, none}, {second, toSecond},
+        {nullptr, toFirst}, {nullptr, none}, {nullptr, none},    {nullptr, toDefault}};
     GLCallRecorder recorder;
-    const auto binds = [&] {
-        std::vector<long long> names;
+    int step = 0;
+    for (const auto& [pushed, expected] : steps) {
+        recorder.clear();
+        pushed != nullptr ? renderState()->pushFrameBuffer(pushed) : renderState()->popFrameBuffer();
+        Names bound;
         for (const auto& call : recorder.callsOf("glBindFramebuffer")) {
             EXPECT_EQ(call.integer(0), GL_FRAMEBUFFER);
-            names.push_back(call.integer(1));
+            bound.push_back(call.integer(1));
         }
-        recorder.clear();
-        return names;
-    };
-    using Names = std::vector<long long>;
-    state.pushFrameBuffer(first);
-    EXPECT_EQ(binds(), Names{first->getFBO()});
-    state.pushFrameBuffer(first);
-    state.pushFrameBuffer(firstAgain);
-    EXPECT_EQ(binds(), Names{}) << "another object, the same name";
-    state.pushFrameBuffer(second);
-    EXPECT_EQ(binds(), Names{second->getFBO()});
-    EXPECT_EQ(state.getCurFBO(), second->getFBO());
-    state.popFrameBuffer();
-    EXPECT_EQ(binds(), Names{first->getFBO()});
-    state.popFrameBuffer();
-    state.popFrameBuffer();
-    EXPECT_EQ(binds(), Names{});
-    state.popFrameBuffer();
-    EXPECT_EQ(binds(), Names{0}) << "the default one at the bottom";
-    EXPECT_EQ(state.getCurFBO(), 0u);
+        EXPECT_EQ(bound, expected) << "step " << step++;
+        EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), renderState()->getCurFBO());
+    }
 }
 
 TEST_F(RenderStateTest, BeginTakesTheBoundFrameBufferAsTheDefaultOne) {
@@ -69,74 +43,69 @@ TEST_F(RenderStateTest, BeginTakesTheBoundFrameBufferAsTheDefaultOne) {
     RenderState& state = *renderState();
     state.pushFrameBuffer(ours);  // a frame that ended without its pop
     glBindFramebuffer(GL_FRAMEBUFFER, host->getFBO());
-    EXPECT_EQ(state.getCurFBO(), ours->getFBO());
     state.begin();
     EXPECT_EQ(state.getCurFBO(), host->getFBO());
     state.pushFrameBuffer(ours);
     state.popFrameBuffer();
-    EXPECT_EQ(static_cast<unsigned int>(integer(GL_FRAMEBUFFER_BINDING)), host->getFBO());
+    EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), host->getFBO());
     EXPECT_EQ(RenderState().getCurFBO(), host->getFBO()) << "read at construction too";
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 TEST_F(RenderStateTest, ViewPortsAreSetOnlyWhenTheTopChanges) {
-    ZV_NEEDS_RECORDER();
-    const ViewPort small(0, 0, 4, 4);
-    const ViewPort large(-2, 3, 60000, 50);
+    const ViewPort small(-2, 3, 60000, 4), large(-2, 3, 60000, 50);
     RenderState& state = *renderState();
     GLCallRecorder recorder;
-    const auto sets = [&] {
-        const std::size_t count = recorder.count("glViewport");
+    const auto push = [&](const ViewPort& viewPort, bool force = false) {
         recorder.clear();
-        return count;
+        state.pushViewPort(viewPort, force);
+        EXPECT_EQ(state.getCurViewPort(), viewPort);
+        return recorder.total();
     };
-    state.pushViewPort(small, false);
-    EXPECT_EQ(sets(), 1u) << "an empty stack knows nothing";
-    state.pushViewPort(small, false);
-    EXPECT_EQ(sets(), 0u);
-    state.pushViewPort(small, true);
-    EXPECT_EQ(sets(), 1u);
-    state.pushViewPort(large, false);
+    const auto pop = [&](unsigned short count) {
+        recorder.clear();
+        state.popViewPort(count);
+        return recorder.total();
+    };
+    EXPECT_EQ(push(small), 1u) << "an empty stack knows nothing";
+    EXPECT_EQ(push(small), 0u);
+    EXPECT_EQ(push(small, true), 1u);
+    EXPECT_EQ(push(large), 1u);
     EXPECT_EQ(recorder.callsOf("glViewport").at(0).args, (std::vector<double>{-2, 3, 60000, 50}));
-    sets();
+    EXPECT_EQ(push(large), 0u);
+    EXPECT_EQ(pop(1), 0u) << "below lies the same rectangle";
+    EXPECT_EQ(pop(0), 0u);
     EXPECT_EQ(state.getCurViewPort(), large);
-    state.pushViewPort(large, false);
-    state.popViewPort(1);
-    EXPECT_EQ(sets(), 0u) << "below lies the same rectangle";
-    state.popViewPort(0);
-    EXPECT_EQ(state.getCurViewPort(), large);
-    state.popViewPort(2);
-    EXPECT_EQ(recorder.callsOf("glViewport").at(0).args, (std::vector<double>{0, 0, 4, 4}));
-    EXPECT_EQ(sets(), 1u);
+    EXPECT_EQ(push(small), 1u);
+    EXPECT_EQ(pop(2), 0u) << "compared with the former top, not with what lay between";
+    EXPECT_EQ(push(large), 1u);
+    EXPECT_EQ(pop(1), 1u);
+    EXPECT_EQ(recorder.callsOf("glViewport").at(0).args, (std::vector<double>{-2, 3, 60000, 4}));
     EXPECT_EQ(state.getCurViewPort(), small);
-    state.popViewPort(2);
-    EXPECT_EQ(recorder.total(), 0u) << "an emptied stack leaves the view port";
-
-    state.pushViewPort(small, false);
-    state.pushViewPort(large, false);
-    state.pushViewPort(small, false);
-    sets();
-    state.popViewPort(2);
-    EXPECT_EQ(sets(), 0u) << "compared with the former top, not with what lay between";
+    EXPECT_EQ(pop(3), 0u) << "an emptied stack leaves the view port";
 }
 
 TEST_F(RenderStateTest, BlendCallsGLOnlyForAChange) {
-    ZV_NEEDS_RECORDER();
     struct Step {
         const char* what;
         BlendFunc blend;
         std::size_t enables, disables, functions;
+        bool reset = false;
     };
-    const Step steps[] = {
-        {"disabled from the start", BlendFunc::DISABLE, 0, 0, 0},
-        {"first blend", BlendFunc::ADDITIVE, 1, 0, 1},
-        {"same again", BlendFunc(GL_SRC_ALPHA, GL_ONE), 0, 0, 0},
-        {"another one", BlendFunc::ALPHA_PREMULTIPLIED, 0, 0, 1},
-        {"off", BlendFunc(), 0, 1, 0},
-        {"on again", BlendFunc::ALPHA_NON_PREMULTIPLIED, 1, 0, 1},
-    };
+    // After a reset nothing is taken for granted, neither on nor off.
+    const Step steps[] = {{"disabled from the start", BlendFunc::DISABLE, 0, 0, 0},
+                          {"first blend", BlendFunc::ADDITIVE, 1, 0, 1},
+                          {"same again", BlendFunc(GL_SRC_ALPHA, GL_ONE), 0, 0, 0},
+                          {"another one", BlendFunc::ALPHA_PREMULTIPLIED, 0, 0, 1},
+                          {"off", BlendFunc(), 0, 1, 0},
+                          {"on again", BlendFunc::ALPHA_NON_PREMULTIPLIED, 1, 0, 1},
+                          {"on after a reset", BlendFunc::ALPHA_NON_PREMULTIPLIED, 1, 0, 1, true},
+                          {"off after a reset", BlendFunc::DISABLE, 0, 1, 0, true},
+                          {"still off", BlendFunc::DISABLE, 0, 0, 0}};
     GLCallRecorder recorder;
     for (const Step& step : steps) {
+        if (step.reset)
+            renderState()->reset();
         recorder.clear();
         renderState()->setBlend(step.blend);
         EXPECT_EQ(recorder.count("glEnable"), step.enables) << step.what;
@@ -146,87 +115,60 @@ TEST_F(RenderStateTest, BlendCallsGLOnlyForAChange) {
     }
     EXPECT_EQ(integer(GL_BLEND_SRC), GL_SRC_ALPHA);
     EXPECT_EQ(integer(GL_BLEND_DST), GL_ONE_MINUS_SRC_ALPHA);
-    // After a reset nothing is taken for granted, neither on nor off.
-    for (const BlendFunc& blend : {BlendFunc::ALPHA_NON_PREMULTIPLIED, BlendFunc::DISABLE}) {
-        renderState()->reset();
-        recorder.clear();
-        renderState()->setBlend(blend);
-        EXPECT_EQ(recorder.count(blend == BlendFunc::DISABLE ? "glDisable" : "glEnable"), 1u);
-        renderState()->setBlend(blend);
-        EXPECT_EQ(recorder.total(), blend == BlendFunc::DISABLE ? 1u : 2u);
-    }
 }
 
 TEST_F(RenderStateTest, ProgramsAndBuffersAreNotFiltered) {
-    ZV_NEEDS_RECORDER();
     RenderState& state = *renderState();
     Program* program = Program::create("attribute vec4 a_position; void main() { gl_Position = a_position; }",
                                        "void main() { gl_FragColor = vec4(1.0); }");
-    const unsigned char bytes[] = {1, 2, 3, 4, 5, 6, 7, 8};
-    GLCallRecorder recorder;
+    const GLCallRecorder recorder;
     state.useProgram(program);
     state.useProgram(program);
     EXPECT_EQ(recorder.count("glUseProgram"), 2u);
     EXPECT_EQ(state.getCurProgram(), program);
-
-    const unsigned int filled = state.genVbo(GL_ARRAY_BUFFER, 8, bytes, GL_STATIC_DRAW);
-    EXPECT_EQ(state.getCurVbo(), filled);
-    unsigned char stored[8] = {};
-    glGetBufferSubData(GL_ARRAY_BUFFER, 0, 8, stored);
-    EXPECT_EQ(std::vector<unsigned char>(stored, stored + 8), std::vector<unsigned char>(bytes, bytes + 8));
-    const unsigned int indices = state.genAndBindVbo(GL_ELEMENT_ARRAY_BUFFER);
-    EXPECT_EQ(static_cast<unsigned int>(integer(GL_ELEMENT_ARRAY_BUFFER_BINDING)), indices);
-    EXPECT_EQ(static_cast<unsigned int>(integer(GL_ARRAY_BUFFER_BINDING)), filled);
-    state.bufferData(indices, GL_ARRAY_BUFFER, 4, nullptr, GL_DYNAMIC_DRAW);
-    GLint size = 0;
-    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    EXPECT_EQ(size, 4);
-    EXPECT_EQ(state.getCurVbo(), indices);
-    recorder.clear();
-    state.bindVbo(GL_ARRAY_BUFFER, filled);
-    state.bindVbo(GL_ARRAY_BUFFER, filled);
-    EXPECT_EQ(recorder.count("glBindBuffer"), 2u);
-    state.unBindVaoVbo();
-    EXPECT_EQ(integer(GL_ARRAY_BUFFER_BINDING), 0);
-    EXPECT_EQ(state.getCurVbo(), 0u);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    for (const unsigned int name : {filled, indices}) {
-        glDeleteBuffers(1, &name);
-    }
     state.useProgram(nullptr);
     EXPECT_EQ(integer(GL_CURRENT_PROGRAM), 0);
+
+    const unsigned int filled = state.genVbo(GL_ARRAY_BUFFER, 4, "abc", GL_STATIC_DRAW);
+    const unsigned int indices = state.genAndBindVbo(GL_ELEMENT_ARRAY_BUFFER);
+    EXPECT_TRUE(integer(GL_ELEMENT_ARRAY_BUFFER_BINDING) == indices && state.getCurVbo() == indices);
+    EXPECT_EQ(integer(GL_ARRAY_BUFFER_BINDING), filled);
+    char stored[4] = {};
+    glGetBufferSubData(GL_ARRAY_BUFFER, 0, 4, stored);
+    EXPECT_STREQ(stored, "abc");
+    const std::size_t before = recorder.count("glBindBuffer");
+    state.bindVbo(GL_ARRAY_BUFFER, filled);
+    state.bindVbo(GL_ARRAY_BUFFER, filled);
+    EXPECT_EQ(recorder.count("glBindBuffer"), before + 2);
+    state.unBindVaoVbo();
+    EXPECT_TRUE(integer(GL_ARRAY_BUFFER_BINDING) == 0 && state.getCurVbo() == 0u);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    const unsigned int names[] = {filled, indices};
+    glDeleteBuffers(2, names);
 }
 
 TEST_F(RenderStateTest, RenderBufferSizeIsThatOfTheBoundOne) {
-    const RenderTargetRenderBuffer* target = RenderTargetRenderBuffer::create(Size16(31, 17));
-    glBindRenderbuffer(GL_RENDERBUFFER, target->getBuffer());
+    glBindRenderbuffer(GL_RENDERBUFFER, RenderTargetRenderBuffer::create(Size16(31, 17))->getBuffer());
     EXPECT_EQ(renderState()->getRenderBufferSize(), Size16(31, 17));
-    glBindRenderbuffer(GL_RENDERBUFFER, 0);
 }
 
 TEST_F(RenderStateTest, VertexArraysOfDeadDrawablesAreReusedClean) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     unsigned int kept = 0;
     {
         RenderState state;
         recorder.clear();
-        if (!hasVertexArrays()) {
-            EXPECT_EQ(state.genAndBindVao(), 0u);
+        const unsigned int vao = state.genAndBindVao();
+        if (kind() == Kind::Legacy) {
             state.bindVao(5);
-            EXPECT_EQ(state.getCurVao(), 5u) << "recorded all the same";
-            state.bindVao(0);
+            EXPECT_TRUE(vao == 0u && state.getCurVao() == 5u) << "recorded all the same";
             EXPECT_EQ(recorder.total(), 0u);
             return;
         }
-        const unsigned int vao = state.genAndBindVao();
-        EXPECT_EQ(static_cast<unsigned int>(integer(GL_VERTEX_ARRAY_BINDING)), vao);
-        EXPECT_EQ(state.getCurVao(), vao);
+        EXPECT_TRUE(integer(GL_VERTEX_ARRAY_BINDING) == vao && state.getCurVao() == vao);
         const unsigned int buffer = state.genVbo(GL_ARRAY_BUFFER, 64, nullptr, GL_STATIC_DRAW);
-        for (int index = 0; index < AttribIndex::COUNT; ++index) {
-            state.vertexAttribPointer(static_cast<AttribIndex::Enum>(index), 2, GL_FLOAT, GL_FALSE, 8,
-                                      nullptr);
-        }
+        for (int index = 0; index < AttribIndex::COUNT; ++index)
+            state.vertexAttribPointer(AttribIndex::Enum(index), 2, GL_FLOAT, GL_FALSE, 8, nullptr);
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
         state.unBindVaoVbo();
         EXPECT_EQ(integer(GL_VERTEX_ARRAY_BINDING), 0);
@@ -248,10 +190,8 @@ TEST_F(RenderStateTest, VertexArraysOfDeadDrawablesAreReusedClean) {
         state.unBindVaoVbo();
         state.collectVao(vao);
         glDeleteBuffers(1, &buffer);
-        recorder.clear();
     }
-    EXPECT_EQ(recorder.count("glDeleteVertexArrays"), 1u)
-        << "by the one that collected it, not by its copies";
+    EXPECT_EQ(recorder.count("glDeleteVertexArrays"), 1u) << "by its collector, not by its copies";
     EXPECT_TRUE(glIsVertexArray(kept)) << "what is in use is not touched";
     glDeleteVertexArrays(1, &kept);
 }
@@ -262,39 +202,14 @@ TEST_F(RenderStateTest, CopyHasBothStacks) {
     state.pushFrameBuffer(buffer);
     state.pushViewPort(ViewPort(1, 2, 3, 4), false);
     state.setBlend(BlendFunc::ADDITIVE);
-    RenderState copy(state);
-    RenderState assigned;
+    RenderState copy(state), assigned;
     assigned = state;
     state.popFrameBuffer();
     state.popViewPort(1);
     for (RenderState* other : {&copy, &assigned}) {
-        EXPECT_EQ(other->getCurFBO(), buffer->getFBO());
+        EXPECT_TRUE(other->getCurFBO() == buffer->getFBO() && other->getCurBlend() == BlendFunc::ADDITIVE);
         EXPECT_EQ(other->getCurViewPort(), ViewPort(1, 2, 3, 4));
-        EXPECT_EQ(other->getCurBlend(), BlendFunc::ADDITIVE);
     }
 }
 
-TEST_F(RenderStateTest, SecondFrameAllocatesNothing) {
-    ZV_NEEDS_ALLOCATION_COUNTER();
-    FrameBuffer* buffers[] = {FrameBuffer::create(), FrameBuffer::create(), FrameBuffer::create()};
-    RenderState& state = *renderState();
-    const auto frame = [&] {
-        state.begin();
-        short x = 0;
-        for (FrameBuffer* buffer : buffers) {
-            state.pushFrameBuffer(buffer);
-            state.pushViewPort(ViewPort(++x, 0, 8, 8), false);
-        }
-        state.popViewPort(3);
-        for (int i = 0; i < 3; ++i) {
-            state.popFrameBuffer();
-        }
-    };
-    frame();
-    const zv::test::GLCallRecorder recorder;  // leaves the driver's own allocations out
-    const zv::test::AllocationCounter counter;
-    frame();
-    EXPECT_EQ(counter.allocations(), 0u);
-}
-
-}  // namespace
+}  // namespace zv::test

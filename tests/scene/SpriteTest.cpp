@@ -1,351 +1,326 @@
 #include "scene/Sprite.h"
 
-#include <GL/glew.h>
-
+#include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
-#include "SpriteTarget.h"
+#include "RenderTextureTools.h"
 #include "gl/ConfigGL.h"
-#include "gl/FrameBuffer.h"
 #include "gl/Program.h"
 #include "gl/RenderState.h"
-#include "scene/IFrameBuffer.h"
+#include "gl/RenderTargetTexture.h"
 #include "scene/ZVEngine.h"
-#include "support/AllocationCounter.h"
-#include "support/EngineTest.h"
 #include "support/GLCallRecorder.h"
+#include "support/PictureCompare.h"
 
 namespace zv::test {
 namespace {
 
-using SpriteTest = EngineTest;
-using Corners = std::vector<Vec2f>;  // top left, bottom left, top right, bottom right
-
-Corners cornersOf(Sprite* sprite) {
-    const T2F_Quad quad = sprite->getTexCoords();
-    return Corners(quad.texCoords, quad.texCoords + 4);
-}
+/// What the target holds wherever nothing was drawn.
+constexpr Pixel kPoison{255, 0, 255, 128};
 
 bool hasVertexArrays() {
     return ConfigGL::getInstance()->supportVAO();
 }
 
-long long sizeOf(const GLCall& bufferData) {
-    return bufferData.integer(1);
+/// A texture whose row 0 is the picture's top row. Autoreleased.
+Texture2D* textureOf(const Picture& picture) {
+    const Size16 size(static_cast<unsigned short>(picture.width),
+                      static_cast<unsigned short>(picture.height));
+    return createRef<Texture2D>([&](Texture2D& texture) {
+        return texture.init(picture.rgba.data(), picture.rgba.size(), PXFORMAT_RGBA8888, size);
+    });
 }
 
-struct Mapping {
-    const char* name;
-    int rotation;
-    bool flipX, flipY;
-    Corners corners;
+Texture2D* textureOf(int width, int height) {
+    return textureOf(Picture::noise(width, height));
+}
+
+/// A sprite that shows the whole texture. Autoreleased.
+Sprite* spriteOf(Texture2D* texture) {
+    return createRef<Sprite>([&](Sprite& sprite) { return sprite.init(texture, false); });
+}
+
+/// Draws onto poison.
+class SpriteTest : public EngineTest {
+protected:
+    void TearDown() override {
+        mPass.reset();
+        EngineTest::TearDown();
+    }
+    void bindTarget(Size16 size) {
+        mPass.emplace(*FrameBuffer::create(), *RenderTargetTexture::create(size, PXFORMAT_RGBA8888));
+        mViewPort = {0, 0, size.x, size.y};
+    }
+    /// What the node draws into one view port of the target, on fresh poison; top row first. Nothing may stay
+    /// bound.
+    Picture draw(Node* node, const ViewPort& viewPort) {
+        fillRect(0, 0, mViewPort.size.x, mViewPort.size.y, kPoison);
+        Scene* scene = Scene::create();
+        scene->setViewPort(viewPort);
+        scene->addChild(node);
+        scene->render();
+        scene->removeChild(node);
+        const RenderState* state = engine->getRenderState();
+        EXPECT_EQ(state->getCurVao() + state->getCurVbo(), 0U);
+        EXPECT_EQ(glInteger(GL_ARRAY_BUFFER_BINDING), 0);
+        EXPECT_EQ(glInteger(GL_ELEMENT_ARRAY_BUFFER_BINDING), 0);
+        for (const GLuint attribute : {0U, 10U, 11U, 12U, 13U}) {
+            GLint enabled = -1;
+            glGetVertexAttribiv(attribute, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+            EXPECT_EQ(enabled, 0) << attribute;
+        }
+        return Picture::readFrameBuffer(mViewPort.size.x, mViewPort.size.y).flippedY();
+    }
+    Picture draw(Node* node) { return draw(node, mViewPort); }
+
+private:
+    std::optional<TargetPass> mPass;
+    ViewPort mViewPort;
 };
 
-class SpriteMapping : public EngineTest, public ::testing::WithParamInterface<Mapping> {};
+using SpritePicture = SpriteTest;
 
-// The rectangle (2, 1, 6, 3) of 8 x 4 texels spans 0.25 to 0.75 either way: its last two values are far
-// edges.
-constexpr float kL = 0.25F, kR = 0.75F, kT = 0.25F, kB = 0.75F;
+/// Rotation, flip X and flip Y.
+using Turn = std::tuple<int, bool, bool>;
 
-TEST_P(SpriteMapping, PutsTheRectangleOnTheQuad) {
-    const Mapping& row = GetParam();
-    Sprite* sprite = spriteOf(textureOf(8, 4));
-    sprite->setRect({2, 1, 6, 3});
-    sprite->setFlipX(row.flipX);
-    sprite->setFlipY(row.flipY);
-    sprite->setTextureRotationType(static_cast<Sprite::RotationType>(row.rotation));
-    EXPECT_EQ(cornersOf(sprite), row.corners);
-    EXPECT_FALSE(sprite->isDirtyTexCoords());
+class SpriteTurnPicture : public SpriteTest, public ::testing::WithParamInterface<Turn> {};
+
+std::string nameOf(const ::testing::TestParamInfo<Turn>& turn) {
+    const auto [rotation, flipX, flipY] = turn.param;
+    return "Rotation" + std::to_string(rotation) + (flipX ? "FlipX" : "") + (flipY ? "FlipY" : "");
 }
 
-const Mapping kMappings[] = {
-    {"Upright", 0, false, false, {{kL, kT}, {kL, kB}, {kR, kT}, {kR, kB}}},
-    {"FlipX", 0, true, false, {{kR, kT}, {kR, kB}, {kL, kT}, {kL, kB}}},
-    {"FlipY", 0, false, true, {{kL, kB}, {kL, kT}, {kR, kB}, {kR, kT}}},
-    {"FlipBoth", 0, true, true, {{kR, kB}, {kR, kT}, {kL, kB}, {kL, kT}}},
-    {"Rotation1", 1, false, false, {{kL, kB}, {kR, kB}, {kL, kT}, {kR, kT}}},
-    {"Rotation1FlipX", 1, true, false, {{kR, kB}, {kL, kB}, {kR, kT}, {kL, kT}}},
-    {"Rotation2", 2, false, false, {{kR, kB}, {kR, kT}, {kL, kB}, {kL, kT}}},
-    {"Rotation3", 3, false, false, {{kR, kT}, {kL, kT}, {kR, kB}, {kL, kB}}},
-    {"Rotation3FlipY", 3, false, true, {{kR, kB}, {kL, kB}, {kR, kT}, {kL, kT}}},
-    {"UnknownKeepsWhatWas", 7, true, true, {{0, 0}, {0, 0}, {0, 0}, {0, 0}}},
-};
-
-std::string mappingName(const ::testing::TestParamInfo<Mapping>& row) {
-    return row.param.name;
+// Texels are sampled at their centres, where the linear filter gives the texel itself: nothing to round.
+TEST_P(SpriteTurnPicture, PutsTheRectangleIntoTheViewPortAndNothingElse) {
+    const auto [rotation, flipX, flipY] = GetParam();
+    const Picture source = Picture::noise(9, 10);
+    const auto texelAt = [&, turns = rotation, mirrorX = flipX, mirrorY = flipY](int x, int y) {
+        for (int i = 0; i < turns; ++i) {
+            x = std::exchange(y, 5 - x);
+        }
+        return source.at(2 + (mirrorX ? 5 - x : x), 1 + (mirrorY ? 5 - y : y));
+    };
+    bindTarget({11, 9});
+    Sprite* sprite = spriteOf(textureOf(source));
+    sprite->setRect({2, 1, 8, 7});  // its last two values are far edges
+    sprite->setTextureRotationType(static_cast<Sprite::RotationType>(rotation));
+    sprite->setFlipX(flipX);
+    sprite->setFlipY(flipY);
+    // The view port's lower left corner lies at (3, 2), so its top row is row 1 of the target.
+    const Picture actual = draw(sprite, {3, 2, 6, 6});
+    const Picture expected = Picture::make(11, 9, [&](int x, int y) {
+        const bool inside = x >= 3 && x < 9 && y >= 1 && y < 7;
+        return inside ? texelAt(x - 3, y - 1) : kPoison;
+    });
+    expectSame(actual, expected, "sprite-" + nameOf({GetParam(), 0}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, SpriteMapping, ::testing::ValuesIn(kMappings), mappingName);
-
-TEST_F(SpriteTest, ANewSpriteShowsItsWholeTexture) {
-    Sprite* sprite = spriteOf(textureOf(640, 480));
-    EXPECT_EQ(cornersOf(sprite), (Corners{{0, 0}, {0, 1}, {1, 0}, {1, 1}}));
-    EXPECT_EQ(sprite->getContentSize(), (Vec2f{640, 480}));
-    EXPECT_TRUE(sprite->isFillMode());
-    EXPECT_EQ(sprite->getBlendFunc(), BlendFunc::DISABLE);
-    sprite->setTextureRotationType(static_cast<Sprite::RotationType>(7));
-    EXPECT_EQ(cornersOf(sprite), (Corners{{0, 0}, {0, 1}, {1, 0}, {1, 1}}))
-        << "an unknown rotation keeps them";
-    EXPECT_EQ(cornersOf(spriteOf(textureOf(2, 2), true))[0], (Vec2f{0, 1}));
-}
-
-TEST_F(SpriteTest, OnlyAChangeMakesTheCoordinatesDirty) {
-    Sprite* sprite = spriteOf(textureOf(8, 4));
-    EXPECT_TRUE(sprite->isDirtyTexCoords());
-    sprite->updateQuad();
-    sprite->setRect({0, 0, 8, 4});
-    sprite->setFlipX(false);
-    sprite->setFlipY(false);
-    sprite->setTextureRotationType(Sprite::ROTATION_0);
-    EXPECT_FALSE(sprite->isDirtyTexCoords());
-    sprite->setRect({0, 0, 4, 2});
-    EXPECT_TRUE(sprite->isDirtyTexCoords());
-    EXPECT_EQ(sprite->getContentSize(), (Vec2f{4, 2}));
-}
+INSTANTIATE_TEST_SUITE_P(All, SpriteTurnPicture,
+                         ::testing::Combine(::testing::Range(0, 4), ::testing::Bool(), ::testing::Bool()),
+                         nameOf);
 
 TEST_F(SpriteTest, WhatCannotBeShownIsRefusedOrHarmless) {
     Sprite* sprite = createRef<Sprite>([](Sprite& s) { return !s.init(nullptr, false); });
-    ASSERT_NE(sprite, nullptr);
     EXPECT_FALSE(sprite->init(std::string("zv_res/no_such_picture.png")));
-    EXPECT_EQ(cornersOf(sprite), Corners(4)) << "nothing to map yet";
-    EXPECT_TRUE(sprite->isDirtyTexCoords());
-    sprite->onDrawSelf(Mat4::IDENTITY);
+    EXPECT_EQ(sprite->getTexCoords().texCoords[3], Vec2f()) << "nothing to map yet";
     EXPECT_EQ(sprite->getTexture(4), nullptr);
     sprite->setTexture(textureOf(2, 2), 9, nullptr);
     sprite->setTexture(nullptr, 0, nullptr);
     EXPECT_EQ(sprite->getValidTextureCount(), 0);
+    bindTarget({4, 4});
+    EXPECT_EQ(draw(sprite), Picture(4, 4, kPoison));
+    Sprite* shown = spriteOf(textureOf(4, 4));
+    shown->setProgram(Program::create("void main() { nonsense }", "void main() { nonsense }"));
+    EXPECT_EQ(draw(shown), Picture(4, 4, kPoison));
 
     Texture2D* without = createRef<Texture2D>([](Texture2D& t) {
         return t.init(0U, {0, 0}, PXFORMAT_RGBA8888, false);
     });
     ASSERT_TRUE(sprite->init(without, {1, 1, 5, 5}, false));
-    EXPECT_EQ(cornersOf(sprite), Corners(4)) << "a texture without extent has no coordinates but 0";
+    EXPECT_EQ(sprite->getTexCoords().texCoords[3], Vec2f())
+        << "a texture without extent has no coordinates but 0";
 
-    Program* broken = Program::create("void main() { nonsense }", "void main() { nonsense }");
-    PoisonedTarget target(4, 4);
-    Sprite* shown = spriteOf(textureOf(4, 4));
-    shown->setProgram(broken);
-    EXPECT_EQ(target.draw(shown), Picture(4, 4, kPoison));
+    shown = spriteOf(textureOf(4, 4));
+    EXPECT_EQ(draw(shown), Picture::noise(4, 4));
+    shown->setTextureRotationType(static_cast<Sprite::RotationType>(7));
+    EXPECT_EQ(draw(shown), Picture::noise(4, 4)) << "an unknown rotation keeps the coordinates";
 }
 
 TEST_F(SpriteTest, ReplacingReleasesFirstAndTheLastHolderLosesTheTexture) {
     Texture2D* kept = textureOf(2, 2);
-    Texture2D* next = textureOf(2, 2);
     Sprite* sprite = spriteOf(kept);
-    sprite->setTexture(kept, 1, nullptr);
-    EXPECT_EQ(kept->getRefCount(), 3U);
-    sprite->setTexture(kept, {0, 0, 1, 1});
-    sprite->setTexture(kept, 1, nullptr);
-    EXPECT_EQ(kept->getRefCount(), 3U);
-    EXPECT_EQ(sprite->getValidTextureCount(), 2);
-    sprite->setTexture(next, 0, nullptr);
+    for (int i = 0; i < 2; ++i) {
+        sprite->setTexture(kept, {0, 0, 1, 1});
+        sprite->setTexture(kept, 1, nullptr);
+        EXPECT_EQ(kept->getRefCount(), 3U);
+    }
+    sprite->setTexture(textureOf(2, 2), 1, nullptr);
     EXPECT_EQ(kept->getRefCount(), 2U);
-    EXPECT_EQ(sprite->getTexture(0), next);
-
+    EXPECT_EQ(sprite->getValidTextureCount(), 2);
     sprite->retain();
-    sprite->setTexture(nullptr, 1, nullptr);
     drainPool();
-    ASSERT_EQ(next->getRefCount(), 1U);
-    sprite->setTexture(next, {0, 0, 1, 1});
+    sprite->setTexture(kept, {0, 0, 1, 1});
     EXPECT_EQ(sprite->getTexture(0), nullptr) << "it died when it was released, before it could be retained";
     sprite->onDrawSelf(Mat4::IDENTITY);
     sprite->release();
 }
 
-TEST_F(SpriteTest, MixInsReplaceWhatTheyHoldOnlyWhenItDiffers) {
-    struct Holder : IFrameBuffer {};
-    FrameBuffer* first = FrameBuffer::create();
-    FrameBuffer* second = FrameBuffer::create();
-    {
-        Holder holder;
-        holder.setFrameBuffer(first);
-        holder.setFrameBuffer(first);
-        EXPECT_EQ(first->getRefCount(), 2U);
-        {
-            Holder copy(holder);
-            EXPECT_EQ(copy.getFrameBuffer(), first);
-            EXPECT_EQ(first->getRefCount(), 2U);
-            copy.setFrameBuffer(second);
-            EXPECT_EQ(first->getRefCount() + second->getRefCount(), 4U);
-        }
-        EXPECT_EQ(first->getRefCount() + second->getRefCount(), 3U);
-        holder.setFrameBuffer(second);
-        EXPECT_EQ(first->getRefCount(), 1U);
-        Holder assigned;
-        assigned.setFrameBuffer(first);
-        assigned = holder;
-        EXPECT_EQ(first->getRefCount(), 1U) << "an assignment gives up what the target owned";
-    }
-    EXPECT_EQ(second->getRefCount(), 1U);
-}
-
 TEST_F(SpriteTest, ACopyDrawsTheSameAndReleasesNothing) {
-    PoisonedTarget target(6, 4);
+    bindTarget({6, 4});
     Texture2D* texture = textureOf(6, 4);
     Sprite* sprite = spriteOf(texture);
-    const Picture shown = target.draw(sprite);
-    Program* program = sprite->getProgram();
-    const unsigned before = texture->getRefCount() + program->getRefCount();
+    const Picture shown = draw(sprite);
+    const auto references = [&] { return texture->getRefCount() + sprite->getProgram()->getRefCount(); };
+    const unsigned before = references();
     {
         Sprite copy(*sprite);
         copy.retain();  // the pool below may not be the last to let go
-        EXPECT_EQ(target.draw(&copy), shown);
+        EXPECT_EQ(draw(&copy), shown);
         copy.setFlipX(true);
-        EXPECT_NE(target.draw(&copy), shown);
-        EXPECT_EQ(target.draw(sprite), shown) << "a copy does not write into the buffers of the other";
+        EXPECT_NE(draw(&copy), shown);
+        EXPECT_EQ(draw(sprite), shown) << "a copy does not write into the buffers of the other";
         Sprite assigned;
+        Texture2D* former = textureOf(2, 2);
+        assigned.setTexture(former, 1, nullptr);
         assigned = copy;
+        EXPECT_EQ(former->getRefCount(), 1U) << "an assignment gives up what the target owned";
         assigned.setTexture(texture, 1, nullptr);
-        EXPECT_EQ(texture->getRefCount() + program->getRefCount(), before + 1);
+        EXPECT_EQ(references(), before + 1);
     }
-    EXPECT_EQ(texture->getRefCount() + program->getRefCount(), before);
-    EXPECT_EQ(target.draw(sprite), shown);
+    EXPECT_EQ(references(), before);
+    EXPECT_EQ(draw(sprite), shown);
 }
 
-TEST_F(SpriteTest, TheSecondIdenticalFrameOnlyDraws) {
+TEST_F(SpriteTest, UploadsGrowWithTheCoordinateSets) {
     ZV_NEEDS_RECORDER();
-    PoisonedTarget target(4, 4);
-    Scene* scene = Scene::create();
-    scene->setViewPort({0, 0, 4, 4});
-    scene->addChild(spriteOf(textureOf(4, 4)));
-    scene->render();
-    GLCallRecorder recorder;
-    const AllocationCounter allocations;
-    scene->render();
-    EXPECT_EQ(allocations.allocations(), 0U);
-    EXPECT_EQ(recorder.countDraws(), 1U);
-    EXPECT_EQ(recorder.count("glUseProgram"), 1U);
-    EXPECT_EQ(recorder.count("glBindTexture"), 1U);
-    EXPECT_EQ(recorder.count("glBufferData") + recorder.countPrefix("glUniform") +
-                  recorder.countObjectCalls() + recorder.count("glEnable") + recorder.count("glDisable") +
-                  recorder.countPrefix("glGet"),
-              0U)
-        << recorder.summary();
-    if (hasVertexArrays()) {
-        EXPECT_EQ(recorder.countPrefix("glVertexAttribPointer"), 0U);
-        EXPECT_EQ(recorder.count("glBindVertexArray"), 2U);
-        EXPECT_LE(recorder.total(), 10U) << recorder.summary();
-    } else {
-        EXPECT_EQ(recorder.count("glVertexAttribPointer"), 2U) << "the layout is set anew";
-        EXPECT_EQ(recorder.countPrefix("glBindVertexArray"), 0U);
-    }
-}
-
-TEST_F(SpriteTest, LeavesNothingBoundBehind) {
-    PoisonedTarget target(4, 4);
+    bindTarget({4, 4});
     Sprite* sprite = spriteOf(textureOf(4, 4));
+    GLCallRecorder calls;
+    const auto uploaded = [&] {
+        calls.clear();
+        draw(sprite);
+        std::vector<long long> sizes;
+        for (const GLCall& upload : calls.callsOf("glBufferData")) {
+            sizes.push_back(upload.integer(1));
+        }
+        return sizes;
+    };
+    using Sizes = std::vector<long long>;
     T2F_Quad coords;
-    sprite->setTexture(textureOf(4, 4), 2, &coords);
-    target.draw(sprite);
-    RenderState* state = engine->getRenderState();
-    EXPECT_EQ(state->getCurVao() + state->getCurVbo(), 0U);
-    GLint bound = -1;
-    for (const int binding : {GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING}) {
-        glGetIntegerv(static_cast<GLenum>(binding), &bound);
-        EXPECT_EQ(bound, 0);
-    }
-    if (hasVertexArrays()) {
-        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &bound);
-        EXPECT_EQ(bound, 0);
-        return;
-    }
-    for (const GLuint attribute : {0U, 10U, 11U, 12U, 13U}) {
-        glGetVertexAttribiv(attribute, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &bound);
-        EXPECT_EQ(bound, 0) << attribute;
-    }
-}
-
-TEST_F(SpriteTest, UploadsGrowWithTheCoordinateSetsAndArePaddedWithZeros) {
-    ZV_NEEDS_RECORDER();
-    PoisonedTarget target(4, 4);
-    Sprite* sprite = spriteOf(textureOf(4, 4));
-    T2F_Quad second{{{1, 2}, {3, 4}, {5, 6}, {7, 8}}};
     sprite->setTexture(textureOf(4, 4), 1, nullptr);
-    sprite->setTexture(textureOf(4, 4), 2, &second);
-    GLCallRecorder recorder;
-    target.draw(sprite);
-    auto uploads = recorder.callsOf("glBufferData");
-    ASSERT_EQ(uploads.size(), 2U);
-    EXPECT_EQ(sizeOf(uploads[0]), 64);
-    EXPECT_EQ(sizeOf(uploads[1]), 32) << "only slot 2 has coordinates, so they lie first";
-    const auto binds = recorder.callsOf("glBindBuffer");
-    const auto vertexBuffer = static_cast<GLuint>(binds.at(0).integer(1));
-    const auto coordBuffer = static_cast<GLuint>(binds.at(1).integer(1));
-
-    recorder.clear();
-    T2F_Quad third{{{9, 9}, {9, 9}, {9, 9}, {9, 9}}};
-    sprite->setTexture(textureOf(4, 4), 3, &third);
-    target.draw(sprite);
-    uploads = recorder.callsOf("glBufferData");
-    ASSERT_EQ(uploads.size(), 2U);
-    EXPECT_EQ(sizeOf(uploads[0]), 128);
-    EXPECT_EQ(sizeOf(uploads[1]), 64);
-    float values[32];
-    glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer);
-    glGetBufferSubData(GL_ARRAY_BUFFER, 0, sizeof(values), values);
-    const float quad[16] = {-1, 1, 0, 0, -1, -1, 0, 1, 1, 1, 1, 0, 1, -1, 1, 1};
-    for (int i = 0; i < 32; ++i) {
-        EXPECT_EQ(values[i], i < 16 ? quad[i] : 0.0F) << i;
-    }
-    glBindBuffer(GL_ARRAY_BUFFER, coordBuffer);
-    glGetBufferSubData(GL_ARRAY_BUFFER, 0, 64, values);
-    EXPECT_EQ(values[0], 1.0F);
-    EXPECT_EQ(values[7], 8.0F);
-    EXPECT_EQ(values[8], 9.0F);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-
+    sprite->setTexture(textureOf(4, 4), 2, &coords);
+    EXPECT_EQ(uploaded(), (Sizes{64, 32}));
+    sprite->setTexture(textureOf(4, 4), 3, &coords);
+    EXPECT_EQ(uploaded(), (Sizes{128, 64}));
     // With one set less the buffer keeps its size: a recorded layout still points at the second set.
     sprite->setTexture(textureOf(4, 4), 3, nullptr);
     sprite->setFlipX(true);
-    recorder.clear();
-    target.draw(sprite);
-    uploads = recorder.callsOf("glBufferData");
-    ASSERT_EQ(uploads.size(), 2U);
-    EXPECT_EQ(sizeOf(uploads[0]), 96);
-    EXPECT_EQ(sizeOf(uploads[1]), 64);
+    EXPECT_EQ(uploaded(), (Sizes{96, 64}));
 }
 
 TEST_F(SpriteTest, DeathDeletesTheBuffersAndLeavesTheVertexArrayForReuse) {
     ZV_NEEDS_RECORDER();
-    PoisonedTarget target(4, 4);
+    bindTarget({4, 4});
     Texture2D* texture = textureOf(4, 4);
     T2F_Quad coords;
-    GLCallRecorder recorder;
+    GLCallRecorder calls;
     for (int i = 0; i < 3; ++i) {
-        Sprite* sprite = new Sprite;
-        ASSERT_TRUE(sprite->init(texture, false));
-        sprite->setTexture(texture, 3, &coords);
-        target.draw(sprite);
-        sprite->release();
+        Sprite sprite;
+        sprite.retain();
+        ASSERT_TRUE(sprite.init(texture, false));
+        sprite.setTexture(texture, 3, &coords);
+        draw(&sprite);
     }
-    EXPECT_EQ(recorder.count("glGenBuffers"), 6U);
-    EXPECT_EQ(recorder.count("glDeleteBuffers"), 6U);
-    EXPECT_EQ(recorder.count("glGenVertexArrays"), hasVertexArrays() ? 1U : 0U);
-    EXPECT_EQ(recorder.count("glDeleteVertexArrays"), 0U);
+    EXPECT_EQ(calls.count("glGenBuffers"), 6U);
+    EXPECT_EQ(calls.count("glDeleteBuffers"), 6U);
+    EXPECT_EQ(calls.count("glGenVertexArrays"), hasVertexArrays() ? 1U : 0U);
+    EXPECT_EQ(calls.count("glDeleteVertexArrays"), 0U);
     EXPECT_EQ(texture->getRefCount(), 1U);
     // What the dead sprites had enabled does not reach the next one's drawing.
-    Sprite* plain = spriteOf(texture);
-    EXPECT_EQ(target.draw(plain), Picture::noise(4, 4));
+    EXPECT_EQ(draw(spriteOf(texture)), Picture::noise(4, 4));
 }
 
-TEST_F(SpriteTest, BlendingChangesOnlyWithTheBlendFunction) {
-    ZV_NEEDS_RECORDER();
-    PoisonedTarget target(4, 4);
-    Sprite* sprite = spriteOf(textureOf(4, 4));
-    GLCallRecorder recorder;
-    const auto drawn = [&](const BlendFunc& blend) {
-        sprite->setBlendFunc(blend);
-        recorder.clear();
-        sprite->onDrawSelf(Mat4::IDENTITY);
-        return recorder.callsOf("glEnable").size() * 100 + recorder.callsOf("glBlendFunc").size() * 10 +
-               recorder.callsOf("glDisable").size();
+TEST_F(SpritePicture, APositionedSpriteStaysWhereItWasFirstDrawn) {
+    bindTarget({8, 8});
+    Sprite* sprite = spriteOf(textureOf(Picture(2, 2, kRed)));
+    const auto expectAt = [&](int left, int bottom, int width, int height, const char* name) {
+        fillRect(0, 0, 8, 8, kPoison);
+        fillRect(left, bottom, width, height, kRed);
+        const Picture expected = Picture::readFrameBuffer(8, 8).flippedY();
+        expectSame(draw(sprite), expected, name);
     };
-    EXPECT_EQ(drawn(BlendFunc::DISABLE), 0U);
-    EXPECT_EQ(drawn(BlendFunc::ADDITIVE), 110U);
-    EXPECT_EQ(drawn(BlendFunc::ADDITIVE), 0U);
-    EXPECT_EQ(drawn(BlendFunc::ALPHA_PREMULTIPLIED), 10U);
-    EXPECT_EQ(drawn(BlendFunc::DISABLE), 1U);
+    sprite->setFillMode(false);
+    sprite->setPosition({0.5F, 0.25F});
+    sprite->setContentSize({0.5F, 1.0F});
+    sprite->setScale(Vec2f{0.5F, 0.75F});
+    // From (0.5, 0.25) to (0.75, 1.0) in clip space: one column and three rows of eight.
+    expectAt(6, 5, 1, 3, "sprite-positioned");
+    sprite->setPosition({-1.0F, -1.0F});
+    expectAt(6, 5, 1, 3, "sprite-moved-in-vain");
+    sprite->setFillMode(true);
+    sprite->setFillMode(false);
+    expectAt(0, 0, 1, 3, "sprite-moved");
+    sprite->setFillMode(true);
+    expectAt(0, 0, 4, 6, "sprite-filling-by-its-scale");
+}
+
+TEST_F(SpritePicture, SlotsHaveUnitsAndCoordinatesOfTheirOwnButLateOnesMissTheRecordedLayout) {
+    const Picture first = Picture::noise(6, 6, 1), second = Picture::noise(6, 6, 2);
+    Texture2D* texture = textureOf(second);
+    // Slot 0 in red and slot 2, by its own coordinates, in green.
+    Program* program = Program::create(
+        "attribute vec4 a_position; attribute vec2 a_texcoord0; attribute vec2 a_texcoord2;\n"
+        "varying vec2 uv0; varying vec2 uv2;\n"
+        "void main() { gl_Position = a_position; uv0 = a_texcoord0; uv2 = a_texcoord2; }\n",
+        "uniform sampler2D ZV_Tex0; uniform sampler2D ZV_Tex2; varying vec2 uv0; varying vec2 uv2;\n"
+        "void main() { gl_FragColor = vec4(texture2D(ZV_Tex0, uv0).r, texture2D(ZV_Tex2, uv2).g, 0.0, 1.0); "
+        "}\n");
+    bindTarget({6, 6});
+    for (const bool late : {false, true}) {
+        Sprite* sprite = spriteOf(textureOf(first));
+        sprite->setProgram(program);
+        T2F_Quad unused;
+        sprite->setTexture(textureOf(2, 2), 1, &unused);  // the next coordinates lie behind these
+        if (late) {
+            sprite->setTexture(texture, 2, nullptr);
+            draw(sprite);
+        }
+        T2F_Quad mirror{{{1, 0}, {1, 1}, {0, 0}, {0, 1}}};
+        sprite->setTexture(texture, 2, &mirror);
+        mirror = T2F_Quad();  // the sprite has its copy
+        const Picture expected = Picture::make(6, 6, [&](int x, int y) {
+            // An attribute that is not recorded is GL's constant (0, 0): the first texel.
+            const Pixel green = late && hasVertexArrays() ? second.at(0, 0) : second.at(5 - x, y);
+            return Pixel{first.at(x, y)[0], green[1], 0, 255};
+        });
+        expectSame(draw(sprite), expected, late ? "sprite-late-slot" : "sprite-slots");
+    }
+}
+
+TEST_F(SpritePicture, ARectangleTextureGetsTheProgramForIt) {
+    const Picture source = Picture::noise(7, 5);
+    unsigned int name = 0;
+    glGenTextures(1, &name);
+    Texture2D* texture = createRef<Texture2D>([&](Texture2D& t) {
+        t.updateTextureId(static_cast<int>(name), GL_TEXTURE_RECTANGLE, PXFORMAT_RGBA8888, true);
+        return t.init(name, {7, 5}, PXFORMAT_RGBA8888, true);
+    });
+    texture->setTexParameters(TexParams::DEFAULT, true);
+    glTexImage2D(GL_TEXTURE_RECTANGLE, 0, GL_RGBA8, 7, 5, 0, GL_RGBA, GL_UNSIGNED_BYTE, source.rgba.data());
+    bindTarget({7, 5});
+    expectSame(draw(spriteOf(texture)), source, "sprite-rectangle-texture");
+}
+
+TEST_F(SpritePicture, AdditiveBlendingAddsBySourceAlpha) {
+    bindTarget({1, 1});
+    Sprite* sprite = spriteOf(textureOf(Picture(1, 1, {0, 100, 40, 51})));
+    sprite->setBlendFunc(BlendFunc::ADDITIVE);
+    // 51 of 255 is a fifth: 255, 0 + 20, 255 and 128 + 10.2; GL may round either way.
+    expectNear(draw(sprite), Picture(1, 1, {255, 20, 255, 138}), 1, 1, "sprite-additive");
+    EXPECT_EQ(draw(spriteOf(textureOf(1, 1))), Picture::noise(1, 1)) << "the next one does not blend";
 }
 
 }  // namespace

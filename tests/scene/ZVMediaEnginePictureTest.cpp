@@ -103,6 +103,11 @@ TEST_P(ZVMediaEnginePicture, PictureAndStickersComeOutUprightWhereTheyAreAskedFo
                              : later ? onScreen(input)
                                      : Picture(kWidth, kHeight, kPoison);
     expectSame(shown(), expected, std::string("screen-") + given.name);
+    if (media->isRenderToScreen()) {
+        poisonScreen();
+        media->renderToScreen();
+        expectSame(shown(), expected, std::string("again-") + given.name);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <GL/glew.h>
+
+#include "core/TVec.h"
+#include "support/GLCallRecorder.h"
+#include "support/GLTest.h"
+
+namespace zv::test {
+
+/// A drawing test that counts GL calls.
+class RecordedGLTest : public GLTest {
+protected:
+    void SetUp() override {
+        ZV_NEEDS_RECORDER();
+        GLTest::SetUp();
+    }
+};
+
+/// One number of GL's state, wide enough to be compared with names as well as with constants.
+inline long long integer(GLenum name) {
+    GLint value = -1;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+/// A texture name that GL knows, as hosts bring them.
+inline unsigned int newTextureName(unsigned int target = GL_TEXTURE_2D) {
+    unsigned int name = 0;
+    glGenTextures(1, &name);
+    glBindTexture(target, name);
+    return name;
+}
+
+/// The size of a level of the bound texture, as GL knows it.
+inline Size16 levelSize(GLint level = 0) {
+    GLint size[2] = {};
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_WIDTH, &size[0]);
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_HEIGHT, &size[1]);
+    return Size16(static_cast<unsigned short>(size[0]), static_cast<unsigned short>(size[1]));
+}
+
+}  // namespace zv::test
