@@ -1,0 +1,38 @@
+#include "effects/ColorTableNode.h"
+
+#include "core/RefCreate.h"
+#include "gl/Program.h"
+#include "gl/Texture2D.h"
+
+namespace zv {
+
+bool ColorTableNode::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) {
+    if (!RenderTexture::init(size, frameBuffer, format)) {
+        return false;
+    }
+    mPlainProgram.set(getProgram());  // every sprite begins with it
+    return true;
+}
+
+void ColorTableNode::onDrawSelf(const Mat4& matrix) {
+    if (getTexture(1) != nullptr) {
+        RenderTexture::onDrawSelf(matrix);
+        return;
+    }
+    RefHolder<Program> own;
+    own.set(getProgram());
+    setProgram(mPlainProgram.get());
+    RenderTexture::onDrawSelf(matrix);
+    setProgram(own.get());
+}
+
+bool ColorTableNode::loadTable(const std::string& path) {
+    Texture2D* table = createRef<Texture2D>([&](Texture2D& texture) { return texture.init(path); });
+    if (table == nullptr) {
+        return false;
+    }
+    setTexture(table, 1, nullptr);
+    return true;
+}
+
+}  // namespace zv

@@ -1,0 +1,52 @@
+// What the second blur needs for skin-only local statistics: for each pixel its weight as clean skin, its luma under
+// that weight, and its deviation from the local mean under that weight.
+//   w = max(skin(I), skin(M) * bright(I)) * notdark,   bright = highlights on skin, which have lost their chroma
+//   notdark = 0..1 for luma(I) / luma(M) 0.40..0.65    (hair, brows, lashes and nostrils do not pull the skin mean)
+//   out.r = w * min(4 * |luma(I) - luma(M)|, 1)        out.g = w * luma(I)        out.b = w
+// Blurred, g / b is the mean luma of the skin alone (normalised convolution: H. Knutsson, C.-F. Westin, "Normalized
+// and Differential Convolution", CVPR 1993) and r / (4 b) the mean absolute deviation, the 8-bit stand-in for the
+// local standard deviation of the guided filter (He et al., ECCV 2010). The factor 4 gives deviations below 64 steps
+// a resolution of a quarter step; ZvBeautyBlendImageFilter.frag divides it out again (DEVIATION_SCALE in both).
+// Cost: 2 fetches a pixel.
+// ZV_Tex0: the blurred input M. ZV_Tex1: the input I, at its own texture coordinates. No uniforms.
+uniform sampler2D ZV_Tex0;
+uniform sampler2D ZV_Tex1;
+
+varying vec2 v_texcoord;
+varying vec2 v_texcoord1;
+
+const float DEVIATION_SCALE = 4.0;
+const vec3 LUMA = vec3(0.299, 0.587, 0.114);
+
+// 1 for skin colour, 0 for anything else, soft between. Only chroma relative to luma counts, so light, dark and dimly
+// lit skin give the same answer:  r = (R - luma) / luma,  b = (luma - B) / luma
+//   r from 0.04..0.08 up to 0.42..0.60   (a dark pixel needs up to 0.045 more: dark greys and black hair are no skin)
+//   b from 0.03..0.07 up                 (greys, whites, blues, purples out)
+//   1.6 b - r up to 0.35..0.51           (yellow-brown hair, sand, foliage out)
+//   r - b up to 0.04..0.09               (lips, red cloth out)
+float skinLikeness(vec3 color)
+{
+    float luma = dot(color, LUMA);
+    float scale = 1.0 / (luma + 0.01);
+    float r = (color.r - luma) * scale;
+    float b = (luma - color.b) * scale;
+    float red = r - 0.045 * (1.0 - smoothstep(0.10, 0.35, luma));
+    return smoothstep(0.04, 0.08, red) * (1.0 - smoothstep(0.42, 0.60, r))
+        * smoothstep(0.03, 0.07, b)
+        * (1.0 - smoothstep(0.35, 0.51, 1.6 * b - r))
+        * (1.0 - smoothstep(0.04, 0.09, r - b))
+        * smoothstep(0.02, 0.06, luma);
+}
+
+void main()
+{
+    vec3 mean = texture2D(ZV_Tex0, v_texcoord).rgb;
+    vec3 color = texture2D(ZV_Tex1, v_texcoord1).rgb;
+    float meanLuma = dot(mean, LUMA);
+    float luma = dot(color, LUMA);
+
+    float highlight = skinLikeness(mean) * smoothstep(0.84, 0.95, luma) * smoothstep(0.0, 0.05, luma - meanLuma);
+    float weight = max(skinLikeness(color), highlight) * smoothstep(0.40, 0.65, luma / max(meanLuma, 0.02));
+    float deviation = min(abs(luma - meanLuma) * DEVIATION_SCALE, 1.0);
+    gl_FragColor = vec4(weight * deviation, weight * luma, weight, 1.0);
+}
