@@ -6,6 +6,10 @@
 
 namespace zv {
 
+ColorTableNode::ColorTableNode() = default;
+
+ColorTableNode::~ColorTableNode() = default;
+
 bool ColorTableNode::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) {
     if (!RenderTexture::init(size, frameBuffer, format)) {
         return false;

@@ -22,7 +22,8 @@ class Program;
 /// Level i of n stands for the value i / (n - 1); colours between levels are interpolated in all three.
 class ZV_API ColorTableNode : public RenderTexture {
 public:
-    ColorTableNode() = default;
+    ColorTableNode();
+    ~ColorTableNode() override;
 
     /// Without a table in slot 1 the unit would still show what another node bound there, so the picture is
     /// then drawn with the plain texture program. The effect's own program stays the node's.

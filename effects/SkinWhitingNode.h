@@ -8,7 +8,8 @@
 namespace zv {
 
 /// Brightens skin: mixes the picture with its colours in a lookup image. The node draws its input into its
-/// own target unchanged; the whitening acts when the node itself is drawn, by the next stage or on the screen.
+/// own target unchanged; the whitening acts when the node itself is drawn, by the next stage or on the
+/// screen.
 /// - Input: what is in the front scene, any format, any orientation. Slot 1 holds the lookup image
 ///   "zv_res/lookups/kel_white.png", a colour table of 512 x 512 (see ColorTableNode). When it does not load,
 ///   one line is logged and the picture stays as it is.
