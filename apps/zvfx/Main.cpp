@@ -84,7 +84,7 @@ std::string run(const Options& options, StandardOutput& standardOutput) {
     }
     stats.decode = watch.lap();
     Pipeline pipeline;
-    if (std::string wrong = pipeline.open(options, input); !wrong.empty()) {
+    if (std::string wrong = pipeline.open(options, resources, input); !wrong.empty()) {
         return wrong;
     }
     stats.setup = watch.lap();

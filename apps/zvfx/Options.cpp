@@ -24,6 +24,9 @@ constexpr const char* kExamples =
     "Examples:\n"
     "  zvfx photo.jpg -o photo.png                         convert, nothing else\n"
     "  zvfx photo.jpg -o small.png --size 640x360          scale\n"
+    "  zvfx photo.png -o fair.png --smooth 0.6 --whiten 0.3\n"
+    "                                                      natural beauty\n"
+    "  zvfx photo.png -o film.png --lut film,0.8           a look, or a table of your own\n"
     "  zvfx photo.png -o vivid.png --hsv 1,1.4,1           stronger colours\n"
     "  zvfx photo.png -o grey.png --hsv 1,0,1              no colours\n"
     "  zvfx photo.png -o - --hsv 1,1,1.2 | display         brighter, to standard output\n"
@@ -81,6 +84,39 @@ std::string parseHsv(std::string_view text, std::optional<Options::Hsv>& hsv) {
     return {};
 }
 
+std::string parseAmount(std::string_view text, const char* option, float most, std::optional<float>& amount) {
+    float read{};
+    std::string_view rest = text;
+    if (!takeNumber(rest, '\0', read) || !(read >= 0) || !(read <= most)) {
+        return std::string(option) + " takes a number from 0 to " + std::to_string(static_cast<int>(most)) +
+               ", not \"" + std::string(text) + "\"";
+    }
+    amount = read;
+    return {};
+}
+
+/// FILE or FILE,AMOUNT: a comma belongs to the name unless a number follows it.
+std::string parseLut(std::string_view text, std::optional<Options::Lut>& lut) {
+    Options::Lut read{std::string(text), 1.0F};
+    const std::size_t comma = text.rfind(',');
+    if (comma != std::string_view::npos) {
+        float number{};
+        std::string_view rest = text.substr(comma + 1);
+        if (takeNumber(rest, '\0', number)) {
+            if (!(number >= 0) || !(number <= 1)) {
+                return "--lut takes an amount from 0 to 1 behind the comma, not \"" + std::string(text) +
+                       "\"";
+            }
+            read = {std::string(text.substr(0, comma)), number};
+        }
+    }
+    if (read.file.empty()) {
+        return "--lut takes the file of a colour table, or the name of a look";
+    }
+    lut = read;
+    return {};
+}
+
 template <class Number>
 std::string parseCount(std::string_view text, const char* option, Number most, Number& count) {
     Number read{};
@@ -128,7 +164,11 @@ ParseResult badUsage(std::string message) {
 /// The texts of the options that are read here rather than by the parser.
 struct Texts {
     std::string size;
+    std::string smooth;
+    std::string sharpen;
     std::string hsv;
+    std::string whiten;
+    std::string lut;
     std::string gl = "core";
     std::string frames;
     std::string fps;
@@ -146,6 +186,17 @@ void declare(CLI::App& app, Options& options, Texts& texts) {
         ->type_name("OUTPUT");
     app.add_option("--size", texts.size, "size of the output in pixels (default: the input's)")
         ->type_name("WxH");
+    app.add_option("--smooth", texts.smooth, "smooth skin: 0 (not at all) to 1; 0.6 looks natural")
+        ->type_name("A");
+    app.add_option("--sharpen", texts.sharpen, "sharpen what --smooth leaves: 0 to 2 (default 1)")
+        ->type_name("S");
+    app.add_option("--whiten", texts.whiten, "brighten skin: 0 (not at all) to 1; 0.3 looks natural")
+        ->type_name("A");
+    app.add_option(
+           "--lut", texts.lut,
+           "recolour with a table of 512 x 512 or 64 x 64 pixels, or with a look by its name, mixed in "
+           "by A, 0 to 1 (default 1); the result is opaque")
+        ->type_name("FILE[,A]");
     app.add_option("--hsv", texts.hsv, "multiply hue, saturation and value; 1,1,1 changes nothing")
         ->type_name("H,S,V");
     app.add_option("--res", options.resources, "the folder that holds zv_res (default: found by itself)")
@@ -166,6 +217,19 @@ std::string interpret(const CLI::App& app, const Texts& texts, Options& options)
     const auto given = [&](const char* name) { return wrong.empty() && app.count(name) != 0; };
     if (given("--size")) {
         wrong = parseSize(texts.size, options.size);
+    }
+    if (given("--smooth")) {
+        wrong = parseAmount(texts.smooth, "--smooth", 1.0F, options.smooth);
+    }
+    if (given("--sharpen")) {
+        wrong = options.smooth ? parseAmount(texts.sharpen, "--sharpen", 2.0F, options.sharpen)
+                               : "--sharpen works on what --smooth leaves: give --smooth as well";
+    }
+    if (given("--whiten")) {
+        wrong = parseAmount(texts.whiten, "--whiten", 1.0F, options.whiten);
+    }
+    if (given("--lut")) {
+        wrong = parseLut(texts.lut, options.lut);
     }
     if (given("--hsv")) {
         wrong = parseHsv(texts.hsv, options.hsv);

@@ -17,11 +17,20 @@ struct Options {
         float saturation;
         float value;
     };
+    /// A colour table and how much of it is mixed in, 0 to 1.
+    struct Lut {
+        std::string file;  ///< as given: a path, or the bare name of a look in zv_res/lookups
+        float amount;
+    };
 
     std::string input;   ///< absolute path
     std::string output;  ///< absolute path, or "-" for standard output
     std::optional<Size> size;
+    std::optional<float> smooth;   ///< skin smoothing, 0 to 1
+    std::optional<float> sharpen;  ///< 0 to 2; comes with smoothing
     std::optional<Hsv> hsv;
+    std::optional<float> whiten;  ///< 0 to 1
+    std::optional<Lut> lut;
     std::string resources;  ///< absolute path of the folder that holds zv_res; empty: look for it
     bool core = true;       ///< a core profile context, or else a compatibility one
     std::string stats;      ///< absolute path of the JSON file; empty: none

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "core/FileUtil.h"
-#include "effects/HsvNode.h"
 #include "gl/FrameBuffer.h"
 #include "gl/Program.h"
 #include "gl/Texture2D.h"
@@ -16,6 +15,7 @@
 #include "scene/RenderTextureChain.h"
 #include "scene/Sprite.h"
 #include "scene/ZVMediaEngine.h"
+#include "zvfx/Effects.h"
 
 namespace zvfx {
 
@@ -64,7 +64,7 @@ Pipeline::Pipeline() = default;
 
 Pipeline::~Pipeline() = default;
 
-std::string Pipeline::open(const Options& options, const Picture& input) {
+std::string Pipeline::open(const Options& options, const std::string& resources, const Picture& input) {
     mWidth = options.size ? options.size->width : input.width;
     mHeight = options.size ? options.size->height : input.height;
     mChannels = input.channels;
@@ -88,7 +88,7 @@ std::string Pipeline::open(const Options& options, const Picture& input) {
     mEngine->setAutoUpdate(false);
     failure = openInput(input);
     if (failure.empty()) {
-        failure = openEffects(options);
+        failure = openEffects(options, resources);
     }
     if (failure.empty() && glGetError() != GL_NO_ERROR) {
         failure = "GL refused to set up the picture; it may be too large for this machine";
@@ -133,22 +133,12 @@ std::string Pipeline::openInput(const Picture& input) {
     return {};
 }
 
-std::string Pipeline::openEffects(const Options& options) {
-    if (!options.hsv) {
-        return {};
-    }
-    const zv::Size16 size = toSize(mWidth, mHeight);
-    auto* chain = zv::RenderTextureChain::create(size, mEngine->getFrameBuffer());
-    auto* hsv = zv::HsvNode::create(size, chain->getFrameBuffer(), formatOf(mChannels));
-    if (hsv == nullptr) {
-        return "the HSV effect cannot be made";
-    }
-    hsv->setHue(options.hsv->hue);
-    hsv->setSaturation(options.hsv->saturation);
-    hsv->setValue(options.hsv->value);
-    chain->add(hsv, true, false);
+std::string Pipeline::openEffects(const Options& options, const std::string& resources) {
+    zv::RenderTextureChain* chain = nullptr;
+    std::string wrong =
+        makeEffects(options, toSize(mWidth, mHeight), mChannels, resources, mEngine->getFrameBuffer(), chain);
     mEngine->setRenderChain(chain);
-    return {};
+    return wrong;
 }
 
 void Pipeline::frame(float seconds) {

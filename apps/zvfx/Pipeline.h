@@ -8,7 +8,6 @@
 #include "zvfx/PictureFile.h"
 
 namespace zv {
-class HsvNode;
 class RenderTexture;
 class ZVMediaEngine;
 namespace host {
@@ -28,8 +27,9 @@ public:
     Pipeline& operator=(const Pipeline&) = delete;
 
     /// Makes context, engine, input and effects.
+    /// @param resources folder that holds zv_res
     /// @return what went wrong, or nothing
-    std::string open(const Options& options, const Picture& input);
+    std::string open(const Options& options, const std::string& resources, const Picture& input);
 
     /// Updates by `seconds` and renders one frame.
     void frame(float seconds);
@@ -48,7 +48,7 @@ public:
 private:
     std::string openContext(bool core);
     std::string openInput(const Picture& input);
-    std::string openEffects(const Options& options);
+    std::string openEffects(const Options& options, const std::string& resources);
 
     std::shared_ptr<zv::host::HeadlessContext> mContext;
     std::unique_ptr<zv::ZVMediaEngine> mEngine;
