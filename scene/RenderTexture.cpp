@@ -219,6 +219,7 @@ void RenderTexture::readBack(UniqueDataPtr<unsigned char>& out, PxFormat format,
                              std::size_t count, FrameBuffer* source) {
     RenderTarget* target = source == nullptr ? getRenderTarget() : nullptr;
     if (target != nullptr) {
+        giveTargetItsSize();
         const TargetPass pass(*getFrameBuffer(), *target);
         mReadBack.read(out, format, parts, count);
     } else if (source != nullptr) {

@@ -21,6 +21,7 @@ RenderTextureChain::RenderTextureChain(const RenderTextureChain& other)
       IFrameBuffer(other),
       mInput(other.mInput),
       mOutput(other.mOutput),
+      mLinked(other.mLinked),
       mLinkNode(other.mLinkNode),
       mEntries(other.mEntries),
       mSize(other.mSize),
@@ -49,6 +50,7 @@ RenderTextureChain& RenderTextureChain::operator=(const RenderTextureChain& othe
     IFrameBuffer::operator=(other);
     mInput = other.mInput;
     mOutput = other.mOutput;
+    mLinked = other.mLinked;
     mLinkNode = other.mLinkNode;
     mSize = other.mSize;
     mNeedsSetup = other.mNeedsSetup;

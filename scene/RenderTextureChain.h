@@ -37,7 +37,7 @@ public:
     virtual void initNodes();
     /// Updates the enabled members in list order, each once an UpdatePass.
     virtual void update(float dt);
-    /// Retains the input and puts it into the front scene of the first enabled member, if there is one. The
+    /// Retains the input and moves it into the front scene of the first enabled member, if there is one. The
     /// input before is released but stays where it is. The present input again changes nothing, also when it
     /// was detached meanwhile: call setNeedsSetup() then.
     virtual void setInputNode(Node* node);
@@ -90,6 +90,8 @@ public:
     RenderTexture* getOutput();
     /// The node under which the output is hung. Not retained, and forgotten when it is destroyed.
     void setLinkNode(Node* node);
+    /// What hangs under the link node, also after clearAllRenderTexture(); null when nothing does.
+    Node* getLinked() const { return mLinked.get(); }
 
     /// Resizes every member, enabled or not, and fits the view port of its scene.
     void resetSize(const TVec<2, unsigned short>& size);
@@ -133,6 +135,7 @@ private:
 
     RefHolder<Node> mInput;
     NodeWeakRef mOutput;
+    NodeWeakRef mLinked;  ///< what hangs under the link node; a member may have left the chain meanwhile
     NodeWeakRef mLinkNode;
     Entries mEntries;
     TVec<2, unsigned short> mSize;

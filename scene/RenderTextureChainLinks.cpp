@@ -33,7 +33,7 @@ void RenderTextureChain::setInputNode(Node* node) {
 
 void RenderTextureChain::setOutput(RenderTexture* output) {
     mOutput.set(output);
-    mLinkNode.set(output != nullptr ? output->getParent() : nullptr);
+    setLinkNode(output != nullptr ? output->getParent() : nullptr);
 }
 
 RenderTexture* RenderTextureChain::getOutput() {
@@ -45,6 +45,9 @@ RenderTexture* RenderTextureChain::getOutput() {
 
 void RenderTextureChain::setLinkNode(Node* node) {
     mLinkNode.set(node);
+    Node* output = mOutput.get();
+    const bool hangsThere = node != nullptr && output != nullptr && output->getParent() == node;
+    mLinked.set(hangsThere ? output : nullptr);
 }
 
 void RenderTextureChain::sortTextures() {
@@ -67,6 +70,10 @@ void RenderTextureChain::relinkAll() {
     for (const Entry& entry : mEntries) {
         entry.member->removeFromParent();
     }
+    if (Node* linked = mLinked.get()) {
+        linked->removeFromParent();
+    }
+    mLinked.set(nullptr);
     mOutput.set(nullptr);
     mNeedsSetup = true;
     if (getEnabledSize() > 0) {
@@ -98,12 +105,17 @@ void RenderTextureChain::hangOutput(RenderTexture& last) {
     if (link == nullptr || last.getParent() == link) {
         return;
     }
-    if (Node* output = mOutput.get()) {
-        link->removeChild(output);
+    // One after the other: the first may go with the last reference to the second.
+    if (Node* former = mLinked.get()) {
+        link->removeChild(former);
+    }
+    if (Node* former = mOutput.get()) {
+        link->removeChild(former);
     }
     last.removeFromParent();
     link->addChild(&last);
     mOutput.set(&last);
+    mLinked.set(&last);
 }
 
 void RenderTextureChain::linkInput() {

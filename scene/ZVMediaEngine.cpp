@@ -65,14 +65,13 @@ ZVMediaEngine* ZVMediaEngine::getCurrent() {
 
 bool ZVMediaEngine::init(Sprite* input, const TVec<2, unsigned short>& size, Ref* output,
                          bool renderToScreen) {
-    if (input) {
-        input->retain();
-    }
+    // Either may be what only this engine keeps alive, from the first call.
+    RefHolder<Sprite> newInput;
+    RefHolder<Ref> newOutput;
+    newInput.set(input);
+    newOutput.set(output);
     dropPipeline();
     mInput.set(input);
-    if (input) {
-        input->release();
-    }
     setWinSize(size);
     mRenderToScreen = renderToScreen;
     setCurScene(Scene::create());
@@ -263,8 +262,7 @@ void ZVMediaEngine::updateTree(float dt) {
 
 void ZVMediaEngine::render() {
     const HostStateScope keep(*this);
-    drawToLast();
-    if (mRenderToScreen) {
+    if (drawToLast() && mRenderToScreen) {
         drawToScreen();
     }
 }
@@ -279,14 +277,14 @@ void ZVMediaEngine::renderToScreen() {
     drawToScreen();
 }
 
-void ZVMediaEngine::drawToLast() {
+bool ZVMediaEngine::drawToLast() {
     logFps();
     if (getAutoUpdate()) {
         update(getDurationNow());
     }
     Texture2D* texture = mInput.get() ? mInput.get()->getTexture(0) : nullptr;
     if (!texture || texture->getName() == 0) {
-        return;
+        return false;
     }
     RenderState* state = getRenderState();
     // Before the algorithms, so that one that draws finds its way back to the host's frame buffer.
@@ -310,6 +308,7 @@ void ZVMediaEngine::drawToLast() {
     }
     state->popFrameBuffer();
     state->popViewPort(1);
+    return true;
 }
 
 void ZVMediaEngine::drawToScreen() {

@@ -104,7 +104,8 @@ public:
     /// @param dt seconds
     void update(float dt) override;
 
-    /// renderToLast(), then renderToScreen() when render to screen is on.
+    /// renderToLast(), then renderToScreen() when render to screen is on. Without an input texture nothing is
+    /// drawn, neither here nor there.
     void render() override;
     /// One frame of the pipeline, into the last render texture. Without an input texture nothing happens.
     void renderToLast();
@@ -146,7 +147,7 @@ private:
     void syncScreenNode();
     bool isInScene(const Node* node) const;
     void updateTree(float dt);
-    void drawToLast();
+    bool drawToLast();
     void drawToScreen();
 
     bool mLastEnable = false;

@@ -88,6 +88,7 @@ void ZVMediaEngine::linkChainOutput() {
 
 /// The chain draws for this engine no more: its output goes, and what it did to the input ends.
 void ZVMediaEngine::unlinkChain() {
+    detach(mChain.get()->getLinked());
     detach(mChain.get()->getOutput());
     mChain.get()->setLinkNode(nullptr);
     mChain.get()->setInputNode(nullptr);
@@ -145,7 +146,8 @@ void ZVMediaEngine::removeScreenNode() {
 
 /// Follows the pipeline after a change of its links: with what it shows now, where it shows anything.
 void ZVMediaEngine::syncScreenNode() {
-    if (!mScreenNode.get()) {
+    // With the last render texture off and no chain, nothing else would be shown: what is there stays.
+    if (!mScreenNode.get() || (!isLastEnable() && !isRenderChainValid())) {
         return;
     }
     Node* wanted = chooseScreenNode();

@@ -276,6 +276,9 @@ ParseResult parseOptions(int argc, const char* const* argv, Options& options) {
     for (std::string* path : {&options.input, &options.output, &options.resources, &options.stats}) {
         makeAbsolute(*path);
     }
+    if (!options.stats.empty() && options.stats == options.output) {
+        return badUsage("--stats and --output name the same file");
+    }
     return {true, 0, {}};
 }
 

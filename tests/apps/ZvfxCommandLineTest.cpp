@@ -90,6 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
                       UsageCase{"SharpenAlone", with({"--sharpen", "1"}), "give --smooth as well"},
                       UsageCase{"WhitenNotANumber", with({"--whiten", "nan"}), "--whiten takes a number"},
                       UsageCase{"LutTooMuch", with({"--lut", "a.png,2"}), "from 0 to 1 behind the comma"},
+                      UsageCase{"StatsOverOutput", with({"--stats", "out.png"}), "the same file"},
                       UsageCase{"GlUnknown", with({"--gl", "es"}), "core or compat, not \"es\""},
                       UsageCase{"FramesZero", with({"--frames", "0"}), "--frames"},
                       UsageCase{"FramesFraction", with({"--frames", "1.5"}), "--frames"},
