@@ -28,7 +28,7 @@ void AlgBizBase::unregisterFunc(void* owner) {
         }
         const std::shared_ptr<AlgBizFunc> dropped = mFuncs[index];
         mFuncs.erase(mFuncs.begin() + static_cast<std::ptrdiff_t>(index));
-        if (mDelivering) {
+        if (mRunning) {
             mNext -= index < mNext ? 1 : 0;
             mEnd -= index < mEnd ? 1 : 0;
         }

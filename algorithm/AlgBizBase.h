@@ -49,9 +49,31 @@ public:
     const std::vector<std::shared_ptr<AlgBizFunc>>& getFuncs() const { return mFuncs; }
 
 protected:
+    /// One run of a business, from before it detects until its last callback has returned. Who takes part is
+    /// settled at its start. False inside another one: a callback or a detector that runs the business again
+    /// must not have the results changed that are being delivered.
+    class RunScope {
+    public:
+        explicit RunScope(AlgBizBase& biz) : mBiz(biz), mFirst(!biz.mRunning) {
+            if (mFirst) {
+                mBiz.mRunning = true;
+                mBiz.mEnd = mBiz.mFuncs.size();
+            }
+        }
+        ~RunScope() { mBiz.mRunning = !mFirst; }
+        RunScope(const RunScope&) = delete;
+        RunScope& operator=(const RunScope&) = delete;
+        explicit operator bool() const { return mFirst; }
+
+    private:
+        AlgBizBase& mBiz;
+        bool mFirst;
+    };
+
     /// Hands a list to every subscription that has this callback and asks for one of these bits of the type,
     /// in the order of registration: the last one gets the list itself, those before it a copy each. `spare`
-    /// is where the copies are made; it keeps its memory from frame to frame.
+    /// is where the copies are made; it keeps its memory from frame to frame. Defined in
+    /// algorithm/AlgDelivery.h.
     template <class List>
     void deliver(List& list, List& spare, std::int32_t mask,
                  std::function<void(List&)> AlgBizFunc::*callback);
@@ -62,9 +84,10 @@ private:
     std::uint8_t mFlags = 0;
     AlgEngine* mEngine;
     std::vector<std::shared_ptr<AlgBizFunc>> mFuncs;
-    // While lists are delivered: the subscription whose turn is next, and the end of those that take part.
+    // During a run: the subscription whose turn is next, and the end of those that take part.
     std::size_t mNext = 0;
     std::size_t mEnd = 0;
+    bool mRunning = false;
     bool mDelivering = false;
 };
 

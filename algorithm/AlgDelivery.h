@@ -32,14 +32,13 @@ inline void copyElement(const AlgFaceMesh& from, AlgFaceMesh& to) {
 template <class List>
 void AlgBizBase::deliver(List& list, List& spare, std::int32_t mask,
                          std::function<void(List&)> AlgBizFunc::*callback) {
-    // A callback that runs the business again gets nothing from it: the turns of this run are not over.
     if (mDelivering) {
         return;
     }
+    const RunScope scope(*this);
     const auto takes = [&](const AlgBizFunc& func) { return (func.type & mask) != 0 && func.*callback; };
     mDelivering = true;
     mNext = 0;
-    mEnd = mFuncs.size();
     while (mNext < mEnd) {
         // Held here, since the callback may unregister itself, and with it the callable that is running.
         const std::shared_ptr<AlgBizFunc> func = mFuncs[mNext++];

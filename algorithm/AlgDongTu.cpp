@@ -9,8 +9,9 @@ AlgDongTu::AlgDongTu(AlgEngine* engine) : AlgBizBase(engine) {}
 AlgDongTu::~AlgDongTu() = default;
 
 void AlgDongTu::run() {
+    const RunScope scope(*this);
     const std::shared_ptr<Detector> detector = mDetector;
-    if (detector && detector->detect(mResults)) {
+    if (scope && detector && detector->detect(mResults)) {
         deliver(mResults, mSpare, ALG_FUNC_FACE_MESH, &AlgBizFunc::onCoverScores);
     }
 }

@@ -9,8 +9,9 @@ AlgGoods::AlgGoods(AlgEngine* engine) : AlgBizBase(engine) {}
 AlgGoods::~AlgGoods() = default;
 
 void AlgGoods::run() {
+    const RunScope scope(*this);
     const std::shared_ptr<Detector> detector = mDetector;
-    if (detector && detector->detect(mResults)) {
+    if (scope && detector && detector->detect(mResults)) {
         deliver(mResults, mSpare, ALG_FUNC_FACE_MESH, &AlgBizFunc::onGoods);
     }
 }

@@ -9,8 +9,9 @@ AlgKelNN::AlgKelNN(AlgEngine* engine) : AlgBizBase(engine) {}
 AlgKelNN::~AlgKelNN() = default;
 
 void AlgKelNN::run() {
+    const RunScope scope(*this);
     const std::shared_ptr<Detector> detector = mDetector;
-    if (!detector || !detector->detect(mResults)) {
+    if (!scope || !detector || !detector->detect(mResults)) {
         return;
     }
     deliver(mResults.landmarks, mSpare.landmarks, ALG_FUNC_LANDMARKS, &AlgBizFunc::onLandmarks);

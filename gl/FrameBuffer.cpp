@@ -99,8 +99,8 @@ void FrameBuffer::apply() {
     if (!mBindingDirty || mIsDefault) {
         return;
     }
-    if (mRenderTarget != nullptr && mRenderTarget->getType() == RenderTarget::TYPE_TEXTURE) {
-        const Texture2D* texture = mRenderTarget->getTexture();
+    const Texture2D* texture = mRenderTarget != nullptr ? mRenderTarget->getTexture() : nullptr;
+    if (texture != nullptr && mRenderTarget->getType() == RenderTarget::TYPE_TEXTURE) {
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, texture->getTarget(), texture->getName(),
                                0);
     } else {

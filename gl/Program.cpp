@@ -166,6 +166,8 @@ bool Program::link() {
         logFailure();
         glDeleteProgram(mProgram);
         mProgram = 0;
+        mBuiltins.fill(-1);
+        mFlags.setValue(0);
         return false;
     }
     parseAttributes();
@@ -272,6 +274,10 @@ void Program::clear() {
         glDeleteProgram(mProgram);
     }
     mProgram = NO_PROGRAM;
+    mAttributes.clear();
+    mUniforms.clear();
+    mBuiltins.fill(-1);
+    mFlags.setValue(0);
     clearUniformDatas();
 }
 

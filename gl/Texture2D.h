@@ -14,7 +14,9 @@ class Image;
 /// A two-dimensional texture and the ways to fill it. Sizes are pixels.
 ///
 /// Rows of raw bytes are tight, or padded to four bytes when the byte length says so; any width uploads
-/// right. Bytes beyond what size and format need are ignored. An upload answers false, and leaves the texture
+/// right. Give the exact byte length: a few bytes more may read as padded rows, more than that are ignored.
+/// Uploads set the row alignment and leave the rest of the host's pixel store alone: its row length and skips
+/// must be 0 and no unpack buffer bound. An upload answers false, and leaves the texture
 /// as it was, when the format has no row or the buffer is shorter than size and format need; a null pointer
 /// allocates without filling. GL's own refusals (a size or a compressed format that the driver does not take)
 /// are not noticed.

@@ -273,6 +273,38 @@ TEST_F(AlgEngineTest, RegistryMayChangeInsideACallback) {
     }
 }
 
+TEST_F(AlgEngineTest, ARunInsideARunChangesNothing) {
+    int detections = 0;
+    engine.getKelNN()->setDetector(std::make_shared<Scripted<AlgFaceResults>>([&](AlgFaceResults& results) {
+        ++detections;
+        engine.run();
+        results.mats = AlgFaceMatsList();  // other memory each time
+        return twoFaces(results);
+    }));
+    // The only consumer holds the detector's own list.
+    listen(engine, &ownerA, [&](AlgFaceMatsList& mats) {
+        const zv::Mat4* before = mats[0].get(0);
+        engine.run();
+        EXPECT_EQ(mats[0].get(0), before);
+        EXPECT_EQ(textOf(mats), kTwoFaces);
+    });
+    // Who comes while landmarks are handed out does not get the matrices of the same frame.
+    int late = 0;
+    const Func early = subscription(&ownerB, 1);
+    early->onLandmarks = [&](AlgLandmarksList&) {
+        const Func both = subscription(&ownerC, 3);
+        both->onFaceMats = [&](AlgFaceMatsList&) { ++late; };
+        engine.registerAlgFunc(both);
+    };
+    engine.registerAlgFunc(early);
+    engine.run();
+    EXPECT_EQ(detections, 1);
+    EXPECT_EQ(late, 0);
+    engine.unregisterFunc(&ownerB);
+    engine.run();
+    EXPECT_EQ(late, 1);
+}
+
 TEST_F(AlgEngineTest, AConsumerThatDiesWithItsSubscriptionMayUnregisterInTurn) {
     struct Consumer {
         AlgEngine& engine;
