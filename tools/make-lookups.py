@@ -20,24 +20,24 @@ FOLDER = pathlib.Path(__file__).resolve().parent.parent / "res" / "zv_res" / "lo
 
 # What counts as skin, of any tone: hues around orange, neither grey nor glaring, not in deep shadow. Each pair
 # is where the weight starts and where it has reached its end.
-SKIN_HUE = 24.0  # degrees
-SKIN_HUE_FADE = (14.0, 34.0)  # degrees away from it: all skin, none
-SKIN_SATURATION_IN = (0.06, 0.20)
+SKIN_HUE = 21.0  # degrees
+SKIN_HUE_FADE = (5.0, 36.0)  # degrees away from it: all skin, none
+SKIN_SATURATION_IN = (0.05, 0.24)
 SKIN_SATURATION_OUT = (0.52, 0.78)
-SKIN_VALUE_IN = (0.10, 0.36)
+SKIN_VALUE_IN = (0.04, 0.30)
 
 
 @dataclasses.dataclass
 class Look:
-    """Neutral at its defaults. A tint is what is added to red, green and blue at the peak of its bump."""
+    """Changes nothing at its defaults. A tint is what is added to red, green and blue at the peak of its bump."""
 
     gamma: float = 1.0  # below 1 lifts the middle
     contrast: float = 0.0  # -1 to 1: how far the curve turns from a line to a smooth step around the middle
     black: float = 0.0  # where black goes
     white: float = 1.0  # where white goes
+    balance: tuple = (1.0, 1.0, 1.0)  # gamma of each channel: below 1 more of it
     shadows: tuple = (0.0, 0.0, 0.0)  # tint, largest at a third
     highlights: tuple = (0.0, 0.0, 0.0)  # tint, largest at two thirds
-    balance: tuple = (1.0, 1.0, 1.0)  # gamma of each channel: below 1 more of it
     saturation: float = 1.0  # of all colours
     vibrance: float = 0.0  # more saturation for what has little of it
     skin: float = 0.0  # 0 to 1: how much of skin's own colour survives balance, tints and saturation
@@ -45,17 +45,17 @@ class Look:
 
 
 LOOKS = {
-    # A lens cap of gloss: a little depth, a little colour where there is little.
+    # A little depth, a little colour where there is little.
     "natural": Look(gamma=0.96, contrast=0.12, vibrance=0.14, skin=0.4),
     # Late sun.
     "warm": Look(gamma=0.97, contrast=0.06, balance=(0.93, 1.0, 1.13), highlights=(0.015, 0.01, -0.02),
                  saturation=1.04, skin=0.35),
     # Clear morning, skin kept from turning pale blue.
-    "cool": Look(gamma=0.97, contrast=0.08, balance=(1.08, 1.0, 0.91), shadows=(-0.01, 0.0, 0.02),
-                 saturation=0.97, skin=0.6),
+    "cool": Look(gamma=0.95, contrast=0.1, balance=(1.13, 1.0, 0.87), shadows=(-0.01, 0.0, 0.02),
+                 saturation=0.96, skin=0.6),
     # Print film: soft ends, teal shadows against warm light.
-    "film": Look(contrast=0.32, black=0.035, white=0.975, shadows=(-0.022, 0.008, 0.03),
-                 highlights=(0.03, 0.012, -0.03), saturation=0.93, skin=0.5),
+    "film": Look(contrast=0.38, black=0.035, white=0.975, shadows=(-0.035, 0.012, 0.035),
+                 highlights=(0.03, 0.012, -0.04), saturation=0.92, skin=0.5),
     # Left in a shop window: raised black, thin colour.
     "faded": Look(gamma=0.95, contrast=-0.12, black=0.11, white=0.955, shadows=(0.0, 0.004, 0.02),
                   highlights=(0.012, 0.006, -0.012), saturation=0.72, vibrance=0.05, skin=0.3),
@@ -63,16 +63,17 @@ LOOKS = {
     "vivid": Look(contrast=0.24, saturation=1.16, vibrance=0.35, skin=0.75),
     # Panchromatic with an orange filter: clear skin, deep sky.
     "mono": Look(gamma=0.97, contrast=0.2, mono=(0.42, 0.46, 0.12)),
-    # Street after dark: less light, blue shadows, lamps and faces stay warm.
-    "night": Look(gamma=1.28, contrast=0.16, shadows=(-0.03, -0.008, 0.05), highlights=(0.01, 0.0, 0.0),
-                  balance=(1.03, 1.0, 0.94), saturation=0.86, skin=0.6),
+    # Street after dark: less light, blue shadows, faces stay warm.
+    "night": Look(gamma=1.35, contrast=0.2, shadows=(-0.04, 0.0, 0.06), highlights=(-0.01, 0.005, 0.02),
+                  balance=(1.05, 1.0, 0.93), saturation=0.82, skin=0.65),
 }
 
-# Whitening: brightening of each channel at the peak of the bump, for all colours and what skin gets on top.
-WHITE_ALL = 0.05
-WHITE_SKIN = 0.12
-WHITE_BUMP = (1.7, 1.25)  # holds the shadows (above 1 leaves black's surroundings alone) and the highlights
-WHITE_SKIN_SATURATION = 0.90  # of skin: less yellow and less red
+# Whitening: what is added to all three channels alike, which keeps the hue, for all colours and for skin on top.
+# Its bump runs along the largest channel, so that nothing is ever cut off.
+WHITE_ALL = 0.045
+WHITE_SKIN = 0.125
+WHITE_BUMP = (1.6, 1.0)  # powers: above 1 at the dark end leaves the shadows alone
+WHITE_SKIN_SATURATION = 0.96  # of skin: less yellow and less red
 
 
 def smooth(low, high, value):
@@ -125,7 +126,7 @@ def apply(look, rgb):
 
 def whiten(rgb):
     skin = skin_weight(rgb)
-    color = rgb + (WHITE_ALL + WHITE_SKIN * skin) * bump(rgb, *WHITE_BUMP)
+    color = rgb + (WHITE_ALL + WHITE_SKIN * skin) * bump(rgb.max(1)[:, None], *WHITE_BUMP)
     return luma(color) + (1.0 - (1.0 - WHITE_SKIN_SATURATION) * skin) * (color - luma(color))
 
 

@@ -73,7 +73,8 @@ std::string findLut(const std::string& fileOrLook, const std::string& resources,
 
 bool looksLikeHald(const Picture& picture) {
     const int levels = picture.width == 512 ? 64 : 16;
-    return roughness(picture, {levels, picture.width, true}) <
+    // Noise is as rough either way; the margin leaves it to be the table that it is given as.
+    return 2 * roughness(picture, {levels, picture.width, true}) <
            roughness(picture, {levels, picture.width, false});
 }
 

@@ -47,9 +47,8 @@ protected:
     /// What hangs in the scene of a render texture, what hangs in the scene of that, and so on.
     static std::vector<RenderTexture*> nestedIn(RenderTexture* outer) {
         std::vector<RenderTexture*> found;
-        while ((outer = dynamic_cast<RenderTexture*>(outer->getScene()->getFirstChild())) != nullptr) {
+        while ((outer = dynamic_cast<RenderTexture*>(outer->getScene()->getFirstChild())) != nullptr)
             found.push_back(outer);
-        }
         return found;
     }
 
@@ -59,12 +58,10 @@ protected:
         float last = -1.0F;
         for (const GLCall& call : recorder.calls()) {
             const std::string_view called = call.name;
-            if (called == "glUseProgram") {
-                inUse = call.integer(0);
-            } else if (called == "glUniform1f" && inUse == program->getName() &&
-                       call.integer(0) == program->getUniform(name)->location) {
+            inUse = called == "glUseProgram" ? call.integer(0) : inUse;
+            if (called == "glUniform1f" && inUse == program->getName() &&
+                call.integer(0) == program->getUniform(name)->location)
                 last = call.values.at(0);
-            }
         }
         return last;
     }

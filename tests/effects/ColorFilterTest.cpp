@@ -1,0 +1,127 @@
+#include "effects/ColorFilter.h"
+
+#include "gl/Program.h"
+#include "support/AllocationCounter.h"
+#include "support/GLCallRecorder.h"
+#include "support/MediaTest.h"
+#include "support/TempDir.h"
+
+namespace zv::test {
+
+class ColorFilterTest : public MediaTest {
+protected:
+    std::string save(const std::string& name, int width, int height) {
+        EXPECT_TRUE(Picture::noise(width, height).save(folder.file(name)));
+        return folder.file(name);
+    }
+    template <class Source>
+    static ColorFilter* make(const Source& imageOrType) {
+        return ColorFilter::create(kSize, nullptr, imageOrType);
+    }
+
+    const TempDir folder;
+};
+
+TEST_F(ColorFilterTest, TheImageOrTheTypeChoosesTheLayoutOnce) {
+    ZV_NEEDS_RECORDER();
+    GLCallRecorder recorder;
+    const auto layout = [&] {
+        const std::string text = recorder.callsOf("glShaderSource").back().text;
+        recorder.clear();
+        return text.find("SIDE = 64;") != text.npos ? 512 : text.find("SIDE = 16;") != text.npos ? 64 : 0;
+    };
+    for (const int type : {0, 1, 2, -1}) {
+        EXPECT_NE(make(static_cast<ColorFilter::FilterType>(type)), nullptr);
+        EXPECT_EQ(layout(), type == 1 ? 512 : 64) << type;
+    }
+    for (const int width : {511, 64, 512}) {
+        ColorFilter* filter = make(save("table.png", width, 512));
+        EXPECT_EQ(layout(), width == 512 ? 512 : 64) << width;
+        EXPECT_EQ(filter->getPxFormat(), PXFORMAT_RGB888);
+        filter->setFilterImage(save("other.png", 512 + 64 - width, 64));
+        EXPECT_EQ(filter->getTexture(1)->getSize().x, 512 + 64 - width);
+        EXPECT_EQ(recorder.count("glShaderSource"), 0U) << "the program is not chosen again";
+    }
+}
+
+TEST_F(ColorFilterTest, TakesOnlyImagesThatLoadAndKeepsOne) {
+    ColorFilter* filter = make(save("table.png", 64, 64));
+    filter->retain();
+    Texture2D* first = filter->getTexture(1);
+    first->retain();
+    for (const std::string& path : {folder.file("none.png"), folder.write("broken.png", "no picture"),
+                                    std::string("x"), std::string()}) {
+        EXPECT_EQ(make(path), nullptr) << path;
+        filter->setFilterImage(path);
+        EXPECT_EQ(filter->getTexture(1), first) << path;
+    }
+    EXPECT_FALSE(first->hasMipmaps());
+    first->active(1);
+    constexpr GLint parameters[][2] = {{GL_TEXTURE_MIN_FILTER, GL_LINEAR},
+                                       {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+                                       {GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE},
+                                       {GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE}};
+    for (const auto& [name, expected] : parameters) {
+        GLint value = 0;
+        glGetTexParameteriv(GL_TEXTURE_2D, static_cast<GLenum>(name), &value);
+        EXPECT_EQ(value, expected);
+    }
+    filter->setFilterImage(folder.file("table.png"));
+    EXPECT_NE(filter->getTexture(1), first);
+    drainPool();
+    EXPECT_EQ(first->getRefCount(), 1U);
+    EXPECT_EQ(filter->getTexture(1)->getRefCount(), 1U);
+    first->release();
+    filter->release();
+}
+
+TEST_F(ColorFilterTest, TheIntensityWaitsForTheDrawAndTheDirectionIsSentAtOnce) {
+    ZV_NEEDS_RECORDER();
+    GLCallRecorder recorder;
+    ColorFilter* filter = make(save("table.png", 512, 512));
+    EXPECT_EQ(filter->getIntensity(), 0.5F);
+    const auto sent = [&](const char* function) {
+        std::vector<float> values;
+        for (const GLCall& call : recorder.callsOf(function)) {
+            values.insert(values.end(), call.values.begin(), call.values.end());
+        }
+        recorder.clear();
+        return values;
+    };
+    using Values = std::vector<float>;
+    filter->onDrawSelf(Mat4());
+    EXPECT_EQ(sent("glUniform1f"), Values{0.5F});
+    filter->setIntensity(-2.0F);
+    filter->setIntensity(3.0F);
+    EXPECT_EQ(filter->getIntensity(), 3.0F);
+    EXPECT_EQ(sent("glUniform1f"), Values{});
+    filter->onDrawSelf(Mat4());
+    EXPECT_EQ(sent("glUniform1f"), Values{3.0F});
+
+    glUseProgram(0);
+    filter->setImageDirection(true);
+    filter->setImageDirection(true);
+    EXPECT_EQ(recorder.callsOf("glUseProgram").back().integer(0), filter->getProgram()->getName());
+    EXPECT_EQ(sent("glUniform1i"), Values{1.0F});
+    filter->setImageDirection(false);
+    EXPECT_EQ(sent("glUniform1i"), Values{0.0F});
+}
+
+TEST_F(ColorFilterTest, TheSecondIdenticalFrameOnlyDraws) {
+    ZV_NEEDS_RECORDER();
+    const std::string table = save("table.png", 64, 64);
+    for (ColorFilter* filter : {make(table), make(ColorFilter::FILTER_TYPE_64)}) {
+        filter->onDrawSelf(Mat4());
+        const GLCallRecorder recorder;
+        const AllocationCounter allocations;
+        filter->onDrawSelf(Mat4());
+        const std::size_t allocated = allocations.allocations();
+        EXPECT_TRUE(!AllocationCounter::available() || allocated == 0U) << allocated;
+        EXPECT_EQ(recorder.countDraws(), 1U);
+        for (const char* prefix : {"glCompile", "glLink", "glUniform", "glBufferData", "glTex", "glGen"}) {
+            EXPECT_EQ(recorder.countPrefix(prefix), 0U) << recorder.summary();
+        }
+    }
+}
+
+}  // namespace zv::test
