@@ -1,26 +1,21 @@
 #pragma once
 
 #include <algorithm>
-#include <vector>
 
 #include "scene/RenderTextureChain.h"
 #include "support/MediaTest.h"
 
 namespace zv::test {
 
-/// Counts its updates; draws nothing.
-struct CountingNode : Node {
+/// Counts its updates.
+template <class Base>
+struct Counting : Base {
     int updates = 0;
     float time = 0.0F;
     void onUpdateSelf(float dt) override {
         ++updates;
         time += dt;
     }
-};
-
-struct CountingSprite : Sprite {
-    int updates = 0;
-    void onUpdateSelf(float) override { ++updates; }
 };
 
 template <class T>

@@ -1,9 +1,9 @@
 #include <GL/glew.h>
 
-#include <ostream>
+#include <string>
+#include <tuple>
 
-#include "scene/RenderTextureChain.h"
-#include "support/MediaTest.h"
+#include "MediaPipelineTest.h"
 #include "support/PictureCompare.h"
 
 namespace zv::test {
@@ -17,56 +17,37 @@ constexpr Size16 kPictureSize{kPictureWidth, kPictureHeight};
 constexpr Pixel kPoison{9, 200, 77, 33};
 constexpr Pixel kSticker{250, 10, 120, 255};
 
-enum class Output { Own, Texture, RenderTexture, Screen, TextureAndScreen, ScreenLater };
+enum Output { OWN, TEXTURE, RENDER_TEXTURE, SCREEN, TEXTURE_AND_SCREEN, SCREEN_LATER };
+constexpr const char* kOutputNames[] = {"Own",    "Texture",          "RenderTexture",
+                                        "Screen", "TextureAndScreen", "ScreenLater"};
+
+std::string nameOf(const testing::TestParamInfo<std::tuple<Output, int>>& row) {
+    return kOutputNames[std::get<0>(row.param)] + std::to_string(std::get<1>(row.param)) + "Stages";
+}
 
 }  // namespace
 
-struct PipelineCase {
-    const char* name;
-    Output output;
-    int stages;
-};
-
-void PrintTo(const PipelineCase& given, std::ostream* stream) {
-    *stream << given.name;
-}
-
-class ZVMediaEnginePicture : public MediaTest, public testing::WithParamInterface<PipelineCase> {
+/// Every output with chains of no, one and two stages.
+class ZVMediaEnginePicture : public MediaPipelineTest,
+                             public testing::WithParamInterface<std::tuple<Output, int>> {
 protected:
     const Picture input = Picture::noise(kPictureWidth, kPictureHeight);
 
-    void poisonScreen() {
-        glBindFramebuffer(GL_FRAMEBUFFER, screen);
-        glClearColor(kPoison[0] / 255.0F, kPoison[1] / 255.0F, kPoison[2] / 255.0F, kPoison[3] / 255.0F);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
-    Ref* makeOutput(Output output) {
-        const Picture poison(kPictureWidth, kPictureHeight, kPoison);
-        switch (output) {
-            case Output::Texture:
-            case Output::TextureAndScreen:
-            case Output::ScreenLater:
-                return makeTexture(poison);
-            case Output::RenderTexture:
-                return RenderTexture::create(kPictureSize, nullptr, PXFORMAT_RGBA8888);
-            default:
-                return nullptr;
+    static Ref* makeOutput(Output output) {
+        if (output == RENDER_TEXTURE) {
+            return RenderTexture::create(kPictureSize, nullptr, PXFORMAT_RGBA8888);
         }
+        const bool none = output == OWN || output == SCREEN;
+        return none ? nullptr : makeTexture(Picture(kPictureWidth, kPictureHeight, kPoison));
     }
-    /// A sticker over the top right quarter.
-    void addSticker() {
-        Sprite* sticker = makeSprite(Picture(2, 2, kSticker));
-        sticker->setFillMode(false);
-        sticker->setContentSize({1.0F, 1.0F});
-        media->addSticker(sticker);
-    }
+    /// With the sticker over the top right quarter.
     Picture withSticker() const {
         return Picture::make(kPictureWidth, kPictureHeight, [&](int x, int y) {
             return x >= kPictureWidth / 2 && y < kPictureHeight / 2 ? kSticker : input.at(x, y);
         });
     }
     /// The screen with the picture in its lower left corner, the rest untouched.
-    Picture onScreen(const Picture& picture) const {
+    static Picture onScreen(const Picture& picture) {
         return Picture::make(kWidth, kHeight, [&](int x, int y) {
             const int row = y - (kHeight - kPictureHeight);
             return x < kPictureWidth && row >= 0 ? picture.at(x, row) : kPoison;
@@ -75,55 +56,65 @@ protected:
 };
 
 // The picture is copied from texel to pixel centre: no step may be lost.
-TEST_P(ZVMediaEnginePicture, PictureAndStickersComeOutUprightWhereTheyAreAskedFor) {
-    const PipelineCase& given = GetParam();
-    const bool atOnce = given.output == Output::Screen || given.output == Output::TextureAndScreen;
-    const bool later = given.output == Output::ScreenLater;
-    media->init(makeSprite(input), kPictureSize, makeOutput(given.output), atOnce);
-    if (given.stages > 0) {
-        RenderTextureChain* chain = RenderTextureChain::create(kPictureSize, media->getFrameBuffer());
-        for (int i = 0; i < given.stages; ++i) {
-            chain->add(RenderTexture::create(kPictureSize, media->getFrameBuffer(), PXFORMAT_RGBA8888), true,
-                       false);
-        }
-        media->setRenderChain(chain);
+TEST_P(ZVMediaEnginePicture, ComesOutUprightWhereItIsAskedForWithEveryNodeUpdatedOnceAFrame) {
+    const auto [kind, stages] = GetParam();
+    const bool atOnce = kind == SCREEN || kind == TEXTURE_AND_SCREEN;
+    auto* sprite = autoreleased(new Counting<Sprite>);
+    sprite->init(makeTexture(input), false);
+    media->init(sprite, kPictureSize, makeOutput(kind), atOnce);
+    RenderTextureChain* chain = RenderTextureChain::create(kPictureSize, media->getFrameBuffer());
+    for (int i = 0; i < stages; ++i) {
+        chain->add(RenderTexture::create(kPictureSize, media->getFrameBuffer(), PXFORMAT_RGBA8888), true,
+                   false);
     }
-    addSticker();
-    media->setRenderToScreen(atOnce || later);
-    for (int i = 0; i < 2; ++i) {
+    media->setRenderChain(stages > 0 ? chain : nullptr);
+    auto* sticker = autoreleased(new Counting<Sprite>);
+    sticker->init(makeTexture(Picture(2, 2, kSticker)), false);
+    sticker->setFillMode(false);
+    sticker->setContentSize({1.0F, 1.0F});
+    media->addSticker(sticker);
+    media->setRenderToScreen(atOnce || kind == SCREEN_LATER);
+    auto* inScene = autoreleased(new Counting<Node>);
+    media->getCurScene()->addChild(inScene);
+    const auto poisonScreen = [&] {
+        glBindFramebuffer(GL_FRAMEBUFFER, screen);
+        glClearColor(kPoison[0] / 255.0F, kPoison[1] / 255.0F, kPoison[2] / 255.0F, kPoison[3] / 255.0F);
+        glClear(GL_COLOR_BUFFER_BIT);
+    };
+    for (int i = 0; i <= 3; ++i) {
         poisonScreen();
         glViewport(1, 2, 3, 4);
-        frame();
+        frame(0.25F);
+        if (i == 0) {
+            // Chains are linked within the first frame.
+            sprite->updates = sticker->updates = inScene->updates = 0;
+            sticker->time = 0.0F;
+        }
+        EXPECT_EQ(sprite->updates, i);
+        EXPECT_EQ(sticker->updates, i);
+        EXPECT_EQ(inScene->updates, media->isRenderToScreen() ? i : 0);
     }
-    if (given.output != Output::Screen) {
-        expectSame(output(), withSticker(), std::string("output-") + given.name);
+    EXPECT_EQ(sticker->time, 0.75F);
+    const std::string name = "media-" + nameOf({GetParam(), 0});
+    if (kind != SCREEN) {
+        expectSame(output(), withSticker(), name);
     }
     // What the scene shows beside the pipeline has no stickers: those are drawn into the last render texture.
-    const Picture expected = atOnce  ? onScreen(withSticker())
-                             : later ? onScreen(input)
-                                     : Picture(kWidth, kHeight, kPoison);
-    expectSame(shown(), expected, std::string("screen-") + given.name);
+    const Picture expected = atOnce                 ? onScreen(withSticker())
+                             : kind == SCREEN_LATER ? onScreen(input)
+                                                    : Picture(kWidth, kHeight, kPoison);
+    expectSame(shown(), expected, name + "-screen");
     if (media->isRenderToScreen()) {
         poisonScreen();
         media->renderToScreen();
-        expectSame(shown(), expected, std::string("again-") + given.name);
+        expectSame(shown(), expected, name + "-again");
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pipelines, ZVMediaEnginePicture,
-    testing::Values(PipelineCase{"Own", Output::Own, 0}, PipelineCase{"OwnOneStage", Output::Own, 1},
-                    PipelineCase{"Texture", Output::Texture, 0},
-                    PipelineCase{"TextureTwoStages", Output::Texture, 2},
-                    PipelineCase{"RenderTexture", Output::RenderTexture, 0},
-                    PipelineCase{"RenderTextureOneStage", Output::RenderTexture, 1},
-                    PipelineCase{"Screen", Output::Screen, 0},
-                    PipelineCase{"ScreenOneStage", Output::Screen, 1},
-                    PipelineCase{"ScreenTwoStages", Output::Screen, 2},
-                    PipelineCase{"TextureAndScreen", Output::TextureAndScreen, 0},
-                    PipelineCase{"TextureAndScreenTwoStages", Output::TextureAndScreen, 2},
-                    PipelineCase{"ScreenLater", Output::ScreenLater, 0},
-                    PipelineCase{"ScreenLaterTwoStages", Output::ScreenLater, 2}),
-    [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(Pipelines, ZVMediaEnginePicture,
+                         testing::Combine(testing::Values(OWN, TEXTURE, RENDER_TEXTURE, SCREEN,
+                                                          TEXTURE_AND_SCREEN, SCREEN_LATER),
+                                          testing::Values(0, 1, 2)),
+                         nameOf);
 
 }  // namespace zv::test
