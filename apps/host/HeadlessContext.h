@@ -40,6 +40,8 @@ public:
 private:
     struct Platform;  // the native handles; defined once a platform
 
+    static GLVersion versionOf(Kind kind);
+
     HeadlessContext(Kind kind, std::unique_ptr<Platform> platform);
 
     Kind mKind;

@@ -157,27 +157,12 @@ void loadEntryPoints() {
     glewInit();
 }
 
-GLContext::GLVersion versionOf(HeadlessContext::Kind kind) {
-    switch (kind) {
-        case HeadlessContext::Kind::Core:
-            return GLContext::VERSION_CORE;
-        case HeadlessContext::Kind::Compatibility:
-            return GLContext::VERSION_COMPATIBILITY;
-        default:
-            return GLContext::VERSION_LEGACY;
-    }
-}
-
 }  // namespace
 
 HeadlessContext::HeadlessContext(Kind kind, std::unique_ptr<Platform> platform)
     : GLContext(versionOf(kind)), mKind(kind), mPlatform(std::move(platform)) {}
 
 HeadlessContext::~HeadlessContext() = default;
-
-HeadlessContext::Kind HeadlessContext::getKind() const {
-    return mKind;
-}
 
 std::shared_ptr<HeadlessContext> HeadlessContext::create(Kind kind, std::string* error) {
     std::string failure = "EGL offers no display";

@@ -1,5 +1,5 @@
-# Runs PROGRAM, which writes the sample without its colours as a binary pixmap, into OUTPUT, and looks at it.
-execute_process(COMMAND "${PROGRAM}" OUTPUT_FILE "${OUTPUT}" RESULT_VARIABLE result)
+# Runs PROGRAM on PICTURE, the sample. It writes the picture without its colours as a binary pixmap; looks at OUTPUT.
+execute_process(COMMAND "${PROGRAM}" "${PICTURE}" OUTPUT_FILE "${OUTPUT}" RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
     message(FATAL_ERROR "the program ended with ${result}")
 endif()
