@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include "gl/ConfigGL.h"
+#include "gl/ContextProfile.h"
 
 namespace zv {
 
@@ -47,11 +48,7 @@ void HostState::learnContext() {
         return;
     }
     const int version = ConfigGL::getInstance()->getVersionGL();
-    if (version >= 320) {
-        GLint profile = 0;
-        glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
-        mIsCore = (profile & GL_CONTEXT_CORE_PROFILE_BIT) != 0;
-    }
+    mIsCore = ContextProfile::read().core;
     mHasVertexArrays = version >= 300;
     mHasReadFrameBuffer = version >= 300 || GLEW_ARB_framebuffer_object || GLEW_EXT_framebuffer_blit;
     mHasSamplers = version >= 330;
