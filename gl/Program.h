@@ -73,6 +73,8 @@ public:
     /// Null when the program has no such variable. Built-ins ("ZV_...") are no uniforms here.
     Uniform* getUniform(const std::string& name);
     Attribute* getAttrib(const std::string& name);
+    /// For the setters by location; -1, which they ignore, when the program has no such uniform.
+    std::int32_t getUniformLocation(const std::string& name);
 
     /// -1 when the program lacks it, 0 before init().
     std::int32_t getBuiltinLocation(Builtin builtin) const {
@@ -88,11 +90,13 @@ public:
     void setUniform(const std::string& name, const Mat4& value);
     /// `values` holds count matrices, column by column. The same holds for the 3 x 3 form.
     void setUniformMatrix4fv(const std::string& name, const float* values, unsigned int count);
+    void setUniformMatrix4fv(int location, const float* values, unsigned int count);
     void setUniformMatrix3fv(const std::string& name, const float* values, unsigned int count);
     void setUniform1f(int location, float value);
     void setUniform1f(const std::string& name, float value);
     /// `values` holds count pairs. setUniform3fv takes triples.
     void setUniform2fv(const std::string& name, const float* values, int count);
+    void setUniform2fv(int location, const float* values, int count);
     void setUniform3fv(const std::string& name, const float* values, int count);
 
     /// Queues a value for the next setUniformsForBuiltins(); the last one for a name wins. Needs no GL.

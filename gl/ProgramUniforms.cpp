@@ -20,6 +20,11 @@ Uniform* Program::getUniform(const std::string& name) {
     return found != mUniforms.end() ? &found->second : nullptr;
 }
 
+std::int32_t Program::getUniformLocation(const std::string& name) {
+    const Uniform* uniform = getUniform(name);
+    return uniform != nullptr ? uniform->location : -1;
+}
+
 Attribute* Program::getAttrib(const std::string& name) {
     const auto found = mAttributes.find(name);
     return found != mAttributes.end() ? &found->second : nullptr;
@@ -71,10 +76,15 @@ void Program::setUniform(const std::string& name, const Mat4& value) {
     }
 }
 
+void Program::setUniformMatrix4fv(int location, const float* values, unsigned int count) {
+    if (updateUniformData(location, values, 64 * count)) {
+        glUniformMatrix4fv(location, static_cast<GLsizei>(count), GL_FALSE, values);
+    }
+}
+
 void Program::setUniformMatrix4fv(const std::string& name, const float* values, unsigned int count) {
-    const Uniform* uniform = getUniform(name);
-    if (uniform != nullptr && updateUniformData(uniform->location, values, 64 * count)) {
-        glUniformMatrix4fv(uniform->location, static_cast<GLsizei>(count), GL_FALSE, values);
+    if (const Uniform* uniform = getUniform(name)) {
+        setUniformMatrix4fv(uniform->location, values, count);
     }
 }
 
@@ -98,12 +108,14 @@ void Program::setUniform1f(const std::string& name, float value) {
     }
 }
 
-void Program::setUniform2fv(const std::string& name, const float* values, int count) {
-    const Uniform* uniform = count > 0 ? getUniform(name) : nullptr;
-    if (uniform != nullptr &&
-        updateUniformData(uniform->location, values, 8 * static_cast<unsigned int>(count))) {
-        glUniform2fv(uniform->location, count, values);
+void Program::setUniform2fv(int location, const float* values, int count) {
+    if (count > 0 && updateUniformData(location, values, 8 * static_cast<unsigned int>(count))) {
+        glUniform2fv(location, count, values);
     }
+}
+
+void Program::setUniform2fv(const std::string& name, const float* values, int count) {
+    setUniform2fv(getUniformLocation(name), values, count);
 }
 
 void Program::setUniform3fv(const std::string& name, const float* values, int count) {
