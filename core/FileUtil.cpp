@@ -112,8 +112,12 @@ FileUtil* FileUtil::getInstance() {
 }
 
 void FileUtil::destoryInstance() {
+    setInstance(nullptr);
+}
+
+void FileUtil::setInstance(std::unique_ptr<FileUtil> instance) {
     const std::lock_guard<std::mutex> lock(sInstanceMutex);
-    delete sFileUtil.exchange(nullptr);
+    delete sFileUtil.exchange(instance.release());
 }
 
 void FileUtil::setZvRoot(const std::string& root) {

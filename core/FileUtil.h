@@ -44,6 +44,10 @@ public:
     /// The platform's instance, made on first call; null when its init() fails.
     static FileUtil* getInstance();
     static void destoryInstance();
+    /// Puts another one in its place, for hosts that keep resources elsewhere than in files. Owned; null
+    /// brings back the platform's at the next call. The roots start empty. Not while others use the former
+    /// instance.
+    static void setInstance(std::unique_ptr<FileUtil> instance);
 
     /// The root becomes the text plus "/".
     void setZvRoot(const std::string& root);
