@@ -14,7 +14,7 @@ namespace zv {
 /// - Input: what is in the front scene, any format, any orientation. Slot 1 holds the table, a picture of
 ///   512 x 512 or of 64 x 64; while it is empty the picture stays as it is.
 /// - Output: the size it was made with, always RGB.
-/// - Cost: one pass at full size, one target.
+/// - Cost: one pass at full size, one target; 9 fetches a pixel.
 /// - State: leaves its program in use; setImageDirection() also makes its program the one in use.
 /// - Setters: see each.
 class ZV_API ColorFilter : public ColorTableNode {

@@ -14,8 +14,7 @@ namespace zv {
 ///   it is taken away. A render texture becomes an inner one and is rendered first.
 /// - Output: the size it was made with, RGB. The finished blur is in no texture of this effect, but where it
 ///   is drawn.
-/// - Cost: two passes, one at the size of this effect and one at that of where it is drawn, five fetches
-/// each.
+/// - Cost: two passes of four fetches, one at the size of this effect and one at that of where it is drawn.
 /// - State: the input's program, see above.
 /// - Setters: setInput().
 class ZV_API MeanBlurEffect : public MutilRenderTexture {

@@ -14,7 +14,7 @@ namespace zv {
 ///   "zv_res/lookups/kel_white.png", a colour table of 512 x 512 (see ColorTableNode). When it does not load,
 ///   one line is logged and the picture stays as it is.
 /// - Output: the size and format it was made with; alpha passes through.
-/// - Cost: one pass at full size, one target.
+/// - Cost: one pass at full size, one target; 9 fetches a pixel.
 /// - State: leaves its program in use.
 /// - Setters: see each; they take effect at the next draw.
 class ZV_API SkinWhitingNode : public ColorTableNode {

@@ -51,11 +51,8 @@ protected:
         return largest;
     }
 
-    /// Half a step is what rounding to 8 bits costs, and a hundredth more for single precision. A legacy
-    /// context takes what the texture filter gives, rounded to 8 bits by itself.
-    static double allowed(double amount) {
-        return kind() == Kind::Legacy ? 0.5 + 1.2 * std::max(amount, 0.0) : 0.51;
-    }
+    /// Half a step is what rounding to 8 bits costs, and a hundredth more for single precision.
+    static constexpr double kAllowed = 0.51;
 
     const TempDir folder;
     const Picture cube = colourCube(65);
@@ -90,10 +87,10 @@ TEST_P(ColorFilterPicture, FollowsTrilinearInterpolationOfAnyTable) {
     for (const double amount : {1.0, 0.5, 0.0, 1.5}) {
         ColorFilter* filter = makeFilter(smooth);
         filter->setIntensity(static_cast<float>(amount));
-        EXPECT_LE(farthest(show(filter), smooth, GetParam(), amount), allowed(amount)) << amount;
+        EXPECT_LE(farthest(show(filter), smooth, GetParam(), amount), kAllowed) << amount;
     }
     const Picture noise = Picture::noise(smooth.width, smooth.height, 9);
-    EXPECT_LE(farthest(show(makeFilter(noise)), noise, GetParam(), 1.0), allowed(1.0));
+    EXPECT_LE(farthest(show(makeFilter(noise)), noise, GetParam(), 1.0), kAllowed);
 }
 
 TEST_P(ColorFilterPicture, TheDirectionTellsWhichRowIsStoredFirst) {
@@ -139,7 +136,7 @@ TEST_F(SkinWhitingPicture, MixesInTheLookupImageByThreeTenths) {
     SkinWhitingNode* node = SkinWhitingNode::create(size, media->getFrameBuffer(), PXFORMAT_RGBA8888);
     ASSERT_NE(node, nullptr);
     EXPECT_EQ(node->getSkinWhitening(), 0.3F);
-    EXPECT_LE(farthest(show(node), table, kLargeTable, 0.3), allowed(0.3));
+    EXPECT_LE(farthest(show(node), table, kLargeTable, 0.3), kAllowed);
     node->setSkinWhitening(0.0F);
     frame();
     EXPECT_EQ(output(), cube);

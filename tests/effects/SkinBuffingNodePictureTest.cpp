@@ -1,12 +1,10 @@
 // What smoothing does to skin, edges, everything else and colour, in figures. The rectangles are places in
 // the portrait; at other sizes the portrait lies scaled in the middle of the frame, and they with it.
-#include <array>
 #include <cmath>
-#include <functional>
 #include <numeric>
+#include <ostream>
 #include <random>
 #include <sstream>
-#include <tuple>
 
 #include "BeautyTest.h"
 #include "gl/RenderState.h"
@@ -15,96 +13,88 @@ namespace zv::test {
 
 namespace {
 
-using Plane = std::vector<double>;
-
 struct Area {
     int x0, y0, x1, y1;  ///< in the portrait of 512 x 512
 };
 constexpr Area kSkin[] = {{196, 118, 214, 140}, {238, 118, 256, 140}, {205, 75, 240, 88}};
 constexpr Area kTexture[] = {{120, 330, 200, 400}, {165, 40, 200, 70}, {60, 300, 100, 340}};
 
-/// The square in the middle of the frame, which holds the portrait.
-Picture middle(const Picture& frame) {
+/// A square of numbers, its border repeated.
+struct Plane {
+    template <class At>
+    Plane(int width, At&& value) : side(width) {
+        for (int place = 0; place < side * side; ++place)
+            values.push_back(value(place % side, place / side));
+    }
+    double at(int x, int y) const {
+        const int place = std::clamp(y, 0, side - 1) * side + std::clamp(x, 0, side - 1);
+        return values[static_cast<std::size_t>(place)];
+    }
+    int side;
+    std::vector<double> values;
+};
+
+/// A channel of the square in the middle of the frame, which holds the portrait; 3: luma.
+Plane channelOf(const Picture& frame, std::size_t channel) {
     const int side = std::min(frame.width, frame.height);
-    return frame.cropped((frame.width - side) / 2, (frame.height - side) / 2, side, side);
+    return {side, [&](int x, int y) {
+                const Pixel p = frame.at((frame.width - side) / 2 + x, (frame.height - side) / 2 + y);
+                return channel < 3 ? p[channel] : 0.299 * p[0] + 0.587 * p[1] + 0.114 * p[2];
+            }};
 }
 
-Plane lumaOf(const Picture& picture) {
-    Plane luma;
-    for (std::size_t i = 0; i < picture.rgba.size(); i += 4)
-        luma.push_back(0.299 * picture.rgba[i] + 0.587 * picture.rgba[i + 1] + 0.114 * picture.rgba[i + 2]);
-    return luma;
-}
-
-/// One direction of a Gaussian blur of a square, turned by a quarter: twice is both directions.
-Plane blurredAndTurned(const Plane& plane, int side, double sigma) {
+/// What is left beside a Gaussian blur of sigma 6 at 512.
+Plane detailOf(const Plane& luma) {
+    const double sigma = 6.0 * luma.side / 512.0;
     const int radius = static_cast<int>(std::ceil(3.0 * sigma));
-    Plane weights, result(plane.size());
+    std::vector<double> weights;
     for (int i = -radius; i <= radius; ++i)
         weights.push_back(std::exp(-0.5 * i * i / (sigma * sigma)));
     const double total = std::accumulate(weights.begin(), weights.end(), 0.0);
-    for (int place = 0; place < side * side; ++place) {
-        double sum = 0.0;
-        for (int i = -radius; i <= radius; ++i) {
-            const int from = place / side * side + std::clamp(place % side + i, 0, side - 1);
-            sum += weights[static_cast<std::size_t>(i + radius)] * plane[static_cast<std::size_t>(from)];
-        }
-        result[static_cast<std::size_t>(place % side * side + place / side)] = sum / total;
-    }
-    return result;
+    const auto blurredAndTurned = [&](const Plane& plane) {
+        return Plane(plane.side, [&](int x, int y) {
+            double sum = 0.0;
+            for (int i = -radius; i <= radius; ++i)
+                sum += weights[static_cast<std::size_t>(i + radius)] * plane.at(y + i, x);
+            return sum / total;
+        });
+    };
+    const Plane mean = blurredAndTurned(blurredAndTurned(luma));
+    return {luma.side, [&](int x, int y) { return luma.at(x, y) - mean.at(x, y); }};
 }
 
-/// What is left beside a Gaussian blur of sigma 6, and in each area its standard deviation.
-std::array<double, 3> detailOf(const Picture& square, const Area (&areas)[3]) {
-    const double scale = square.width / 512.0;
-    Plane detail = lumaOf(square);
-    const Plane mean =
-        blurredAndTurned(blurredAndTurned(detail, square.width, 6 * scale), square.width, 6 * scale);
-    std::transform(detail.begin(), detail.end(), mean.begin(), detail.begin(), std::minus<>());
+/// How much of the detail is left, by standard deviation; mean of three areas.
+double detailLeft(const Plane& before, const Plane& after, const Area (&areas)[3]) {
+    const double scale = before.side / 512.0;
     const auto scaled = [&](int place) { return static_cast<int>(std::lround(place * scale)); };
-    std::array<double, 3> result{};
-    for (std::size_t area = 0; area < 3; ++area) {
+    const auto deviation = [&](const Plane& detail, const Area& area) {
         double sum = 0.0, squares = 0.0, count = 0.0;
-        for (int y = scaled(areas[area].y0); y < scaled(areas[area].y1); ++y) {
-            for (int x = scaled(areas[area].x0); x < scaled(areas[area].x1); ++x, ++count) {
-                const double value = detail[static_cast<std::size_t>(y * square.width + x)];
-                sum += value;
-                squares += value * value;
+        for (int y = scaled(area.y0); y < scaled(area.y1); ++y) {
+            for (int x = scaled(area.x0); x < scaled(area.x1); ++x, ++count) {
+                sum += detail.at(x, y);
+                squares += detail.at(x, y) * detail.at(x, y);
             }
         }
-        result[area] = std::sqrt(squares / count - sum / count * (sum / count));
-    }
-    return result;
+        return std::sqrt(squares / count - sum / count * (sum / count));
+    };
+    double left = 0.0;
+    for (const Area& area : areas)
+        left += deviation(after, area) / deviation(before, area) / 3.0;
+    return left;
 }
 
-/// Mean over three areas of how much of the detail is left.
-double detailLeft(const Picture& before, const Picture& after, const Area (&areas)[3]) {
-    const auto was = detailOf(before, areas), is = detailOf(after, areas);
-    return (is[0] / was[0] + is[1] / was[1] + is[2] / was[2]) / 3.0;
-}
-
-/// Sobel magnitudes.
-Plane edgesOf(const Picture& square) {
-    const int side = square.width;
-    const Plane luma = lumaOf(square);
-    Plane edges;
-    for (int y = 1; y < side - 1; ++y) {
-        for (int x = 1; x < side - 1; ++x) {
-            const auto at = [&](int dx, int dy) {
-                return luma[static_cast<std::size_t>((y + dy) * side + x + dx)];
-            };
+/// The strongest 5 % of the Sobel magnitudes, summed after over summed before.
+double edgesKept(const Plane& before, const Plane& after) {
+    const auto edgesOf = [](const Plane& luma) {
+        return Plane(luma.side, [&](int x, int y) {
+            const auto at = [&](int dx, int dy) { return luma.at(x + dx, y + dy); };
             const double falling = at(1, 1) - at(-1, -1), rising = at(1, -1) - at(-1, 1);
-            edges.push_back(std::hypot(falling + rising + 2 * (at(1, 0) - at(-1, 0)),
-                                       falling - rising + 2 * (at(0, 1) - at(0, -1))));
-        }
-    }
-    return edges;
-}
-
-/// The strongest 5 % of the edges, summed after and before.
-double edgesKept(const Picture& before, const Picture& after) {
-    const Plane was = edgesOf(before), is = edgesOf(after);
-    Plane sorted = was;
+            return std::hypot(falling + rising + 2 * (at(1, 0) - at(-1, 0)),
+                              falling - rising + 2 * (at(0, 1) - at(0, -1)));
+        });
+    };
+    const std::vector<double> was = edgesOf(before).values, is = edgesOf(after).values;
+    std::vector<double> sorted = was;
     const auto bound = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() * 95 / 100);
     std::nth_element(sorted.begin(), bound, sorted.end());
     double sums[2] = {};
@@ -117,87 +107,118 @@ double edgesKept(const Picture& before, const Picture& after) {
 
 /// How far the mean colour of a block moves at most; 16 blocks a side.
 double blockMove(const Picture& before, const Picture& after) {
-    const int side = before.width / 16;
     double most = 0.0;
-    for (int block = 0; block < 256 * 3; ++block) {
-        double sum = 0.0;
-        for (int i = 0; i < side * side; ++i) {
-            const int x = block / 3 % 16 * side + i % side, y = block / 48 * side + i / side;
-            const auto channel = static_cast<std::size_t>(block % 3);
-            sum += after.at(x, y)[channel] - before.at(x, y)[channel];
-        }
-        most = std::max(most, std::abs(sum) / (side * side));
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        const Plane was = channelOf(before, channel), is = channelOf(after, channel);
+        const int side = was.side / 16;
+        double sums[256] = {};
+        for (int y = 0; y < 16 * side; ++y)
+            for (int x = 0; x < 16 * side; ++x)
+                sums[y / side * 16 + x / side] += is.at(x, y) - was.at(x, y);
+        for (const double sum : sums)
+            most = std::max(most, std::abs(sum) / (side * side));
     }
     return most;
 }
 
-/// Gaussian noise of 8 steps.
-Picture noisy(Picture picture) {
-    std::mt19937 random(1);
-    std::normal_distribution<double> noise(0.0, 8.0);
-    for (std::size_t i = 0; i < picture.rgba.size(); ++i) {
-        if (i % 4 != 3) {
-            picture.rgba[i] = static_cast<std::uint8_t>(
-                std::lround(std::clamp(picture.rgba[i] + noise(random), 0.0, 255.0)));
+/// The length of the difference of two pictures.
+double distance(const Picture& a, const Picture& b) {
+    return std::sqrt(std::inner_product(a.rgba.begin(), a.rgba.end(), b.rgba.begin(), 0.0, std::plus<>(),
+                                        [](int x, int y) { return (x - y) * (x - y); }));
+}
+
+/// Puts dark marks on the skin: spots 3 to 5 pixels wide, or hairs of 2.
+Picture marked(Picture frame, bool hairs) {
+    const int side = std::min(frame.width, frame.height), left = (frame.width - side) / 2;
+    const double scale = side / 512.0;
+    constexpr double kPlaces[][3] = {
+        {219, 116, 2.5}, {216, 164, 2}, {195, 116, 1.5}, {204, 155, 2.5}, {250, 120, 1.5}};
+    for (const auto& [middleX, middleY, radius] : kPlaces) {
+        for (int place = 0; place < side * side; ++place) {
+            const double x = (place % side + 0.5) / scale - middleX,
+                         y = (place / side + 0.5) / scale - middleY;
+            const double away = hairs ? std::abs(0.6 * x + 0.8 * y) - 1.0 : std::hypot(x, y) - radius;
+            const double cover = std::hypot(x, y) > 9.0 ? 0.0 : std::clamp(0.5 - away * scale, 0.0, 1.0);
+            Pixel pixel = frame.at(left + place % side, place / side);
+            for (std::size_t i = 0; i < 3; ++i)
+                pixel[i] = static_cast<std::uint8_t>(std::lround(pixel[i] * (1.0 - 0.45 * cover)));
+            frame.set(left + place % side, place / side, pixel);
         }
     }
-    return picture;
+    return frame;
 }
 
 }  // namespace
 
-using Frame = std::tuple<unsigned short, bool>;  ///< height, noise
+struct Shot {
+    const char* name;
+    unsigned short width, height;
+    double light[3];  ///< what the colours are multiplied by
+    double noise;     ///< its standard deviation in steps
+};
 
-class SkinBuffingNodePicture : public BeautyTest, public testing::WithParamInterface<Frame> {
+void PrintTo(const Shot& row, std::ostream* stream) {
+    *stream << row.name;
+}
+
+class SkinBuffingNodePicture : public BeautyTest, public testing::WithParamInterface<Shot> {
 protected:
-    /// The portrait in the middle of a black frame.
-    Picture portraitIn(const Size16& size) {
-        const Picture portrait = Picture::load(ZV_TEST_DATA_DIR "/portrait.png");
-        const unsigned short side = std::min(size.x, size.y);
-        if (side == 512)
-            return portrait;
+    /// The portrait in the middle of a black frame, in that light.
+    Picture taken(const Shot& row) {
+        const unsigned short side = std::min(row.width, row.height);
         RenderTexture* scaled = RenderTexture::create({side, side}, nullptr, PXFORMAT_RGBA8888);
-        scaled->getScene()->addChild(makeSprite(portrait));
+        scaled->getScene()->addChild(makeSprite(Picture::load(ZV_TEST_DATA_DIR "/portrait.png")));
         media->getRenderState()->begin();
         scaled->renderToTexture();
         const Picture square = pictureOf(scaled->getTexture(0));
-        return Picture::make(size.x, size.y, [&](int x, int y) {
-            const int left = (size.x - side) / 2;
-            return x >= left && x < left + side ? square.at(x - left, y) : Pixel{0, 0, 0, 255};
+        std::mt19937 random(1);
+        std::normal_distribution<double> noise(0.0, std::max(row.noise, 1e-9));
+        return Picture::make(row.width, row.height, [&](int x, int y) {
+            const int inside = x - (row.width - side) / 2;
+            Pixel pixel = inside >= 0 && inside < side ? square.at(inside, y) : Pixel{0, 0, 0, 255};
+            for (std::size_t i = 0; i < 3; ++i)
+                pixel[i] = static_cast<std::uint8_t>(
+                    std::lround(std::clamp(pixel[i] * row.light[i] + noise(random), 0.0, 255.0)));
+            return pixel;
         });
     }
 };
 
 TEST_P(SkinBuffingNodePicture, SmoothsSkinAndKeepsEdgesTextureAndColour) {
-    const auto [height, noise] = GetParam();
-    const auto width = static_cast<unsigned short>(height == 512 ? 512 : height * 16 / 9);
-    const Picture portrait = portraitIn({width, height});
-    const Picture before = noise ? noisy(portrait) : portrait, was = middle(before);
+    const Picture before = taken(GetParam());
+    const Picture spotted = marked(before, false), haired = marked(before, true);
+    const Plane was = channelOf(before, 3), wasDetail = detailOf(was);
     SkinBuffingNode* node = startSkin(before);
     for (const bool full : {false, true}) {
         node->setSkinBuffing(full ? 1.0F : 0.6F);
-        frame();
-        const Picture is = middle(output());
-        const double skin = detailLeft(was, is, kSkin), texture = detailLeft(was, is, kTexture);
-        const double edges = edgesKept(was, is), block = blockMove(was, is);
+        const Picture after = frameOf(before);
+        const Plane is = channelOf(after, 3), isDetail = detailOf(is);
+        const double skin = detailLeft(wasDetail, isDetail, kSkin);
+        const double texture = detailLeft(wasDetail, isDetail, kTexture);
+        const double edges = edgesKept(was, is), block = blockMove(before, after);
+        const double spots = distance(frameOf(spotted), after) / distance(spotted, before);
+        const double hairs = distance(frameOf(haired), after) / distance(haired, before);
         std::ostringstream figures;
-        figures << skin << " " << edges << " " << texture << " " << block;
+        figures << skin << " " << edges << " " << texture << " " << block << " " << spots << " " << hairs;
         RecordProperty(full ? "full" : "default", figures.str());
         EXPECT_LE(skin, full ? 0.60 : 0.78);
         EXPECT_GE(skin, 0.45) << "skin, not wax";
         EXPECT_GE(edges, full ? 0.95 : 0.98);
         EXPECT_GE(texture, full ? 0.93 : 0.96);
         EXPECT_LE(block, full ? 3.5 : 2.0);
+        EXPECT_LE(spots, full ? 0.20 : 0.25);
+        EXPECT_GE(hairs, full ? 0.40 : 0.65);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Portrait, SkinBuffingNodePicture,
-                         testing::Values(Frame{512, false}, Frame{512, true}, Frame{720, false},
-                                         Frame{1080, false}),
-                         [](const auto& row) {
-                             return std::to_string(std::get<0>(row.param)) +
-                                    (std::get<1>(row.param) ? "Noise" : "");
-                         });
+                         testing::Values(Shot{"Plain", 512, 512, {1, 1, 1}, 0},
+                                         Shot{"Noise", 512, 512, {1, 1, 1}, 8},
+                                         Shot{"Dim", 512, 512, {0.35, 0.35, 0.35}, 0},
+                                         Shot{"DarkSkin", 512, 512, {0.44, 0.36, 0.32}, 0},
+                                         Shot{"Frame720", 1280, 720, {1, 1, 1}, 0},
+                                         Shot{"Frame1080", 1920, 1080, {1, 1, 1}, 0}),
+                         [](const auto& row) { return row.param.name; });
 
 TEST_F(SkinBuffingNodePicture, StrengthIsCutToItsRangeAndNothingLeavesThePicture) {
     const Picture portrait = Picture::load(ZV_TEST_DATA_DIR "/portrait.png").cropped(128, 40, 240, 150);

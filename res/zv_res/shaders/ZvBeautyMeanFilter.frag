@@ -1,7 +1,7 @@
 // What the second blur needs for skin-only local statistics: for each pixel its weight as clean skin, its luma under
 // that weight, and its deviation from the local mean under that weight.
 //   w = max(skin(I), skin(M) * bright(I)) * notdark,   bright = highlights on skin, which have lost their chroma
-//   notdark = 0..1 for luma(I) / luma(M) 0.40..0.65    (hair, brows, lashes and nostrils do not pull the skin mean)
+//   notdark = 0..1 for luma(I) / luma(M) 0.60..0.82    (hair, brows, nostrils and spots do not pull the skin mean)
 //   out.r = w * min(4 * |luma(I) - luma(M)|, 1)        out.g = w * luma(I)        out.b = w
 // Blurred, g / b is the mean luma of the skin alone (normalised convolution: H. Knutsson, C.-F. Westin, "Normalized
 // and Differential Convolution", CVPR 1993) and r / (4 b) the mean absolute deviation, the 8-bit stand-in for the
@@ -46,7 +46,7 @@ void main()
     float luma = dot(color, LUMA);
 
     float highlight = skinLikeness(mean) * smoothstep(0.84, 0.95, luma) * smoothstep(0.0, 0.05, luma - meanLuma);
-    float weight = max(skinLikeness(color), highlight) * smoothstep(0.40, 0.65, luma / max(meanLuma, 0.02));
+    float weight = max(skinLikeness(color), highlight) * smoothstep(0.60, 0.82, luma / max(meanLuma, 0.02));
     float deviation = min(abs(luma - meanLuma) * DEVIATION_SCALE, 1.0);
     gl_FragColor = vec4(weight * deviation, weight * luma, weight, 1.0);
 }
