@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
@@ -24,39 +25,54 @@ bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-#if !defined(_WIN32)
-/// Stands in for one of GLEW's function pointers.
+/// Stands in for one of the functions that GLEW reaches through pointers.
 template <auto* Slot>
 struct Swap;
 
 template <class Result, class... Arguments, Result(GLAPIENTRY** Slot)(Arguments...)>
 struct Swap<Slot> {
-    static inline WatchedCall<Result(GLAPIENTRY*)(Arguments...)> sCall{"", 0, nullptr};
+    using Function = Result(GLAPIENTRY*)(Arguments...);
+    static inline WatchedCall<Function> sCall{"", 0, nullptr};
 
     static Result GLAPIENTRY wrapper(Arguments... arguments) { return sCall(arguments...); }
 
+    static void* watch(const char* name, int version, void* original) {
+        sCall = {name, version, reinterpret_cast<Function>(original)};
+        return reinterpret_cast<void*>(wrapper);
+    }
     static void install(const char* name, int version) {
-        sCall = {name, version, *Slot};
         if (*Slot != nullptr) {
-            *Slot = wrapper;
+            *Slot = reinterpret_cast<Function>(watch(name, version, reinterpret_cast<void*>(*Slot)));
         }
     }
-    static void remove() { *Slot = sCall.original; }
+    static void remove() {
+        if (*Slot != nullptr) {
+            *Slot = sCall.original;
+        }
+    }
 };
 
 struct Row {
     const char* name;
     int version;
+    void* (*watch)(const char* name, int version, void* original);
     void (*install)(const char* name, int version);
     void (*remove)();
 };
 
 const Row kRows[] = {
-#define ZV_ROW(version, name) \
-    {"gl" #name, version, Swap<&__glew##name>::install, Swap<&__glew##name>::remove},
+#define ZV_ROW(version, name)                                                       \
+    {"gl" #name, version, Swap<&__glew##name>::watch, Swap<&__glew##name>::install, \
+     Swap<&__glew##name>::remove},
     ZV_GLEW_CALLS(ZV_ROW)
 #undef ZV_ROW
 };
+
+#if defined(_WIN32)
+// The library has entry points of its own, which linkGLInterpose() wraps where they come from.
+constexpr bool kSharesEntryPoints = false;
+#else
+constexpr bool kSharesEntryPoints = true;
 #endif
 
 }  // namespace
@@ -72,6 +88,13 @@ void GLCallWatch::add(GLCall call) {
     }
 }
 
+void* GLCallWatch::entryPoint(const char* name, void* original) {
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
+                                   [&](const Row& each) { return std::string_view(name) == each.name; });
+    return row == std::end(kRows) || original == nullptr ? original
+                                                         : row->watch(row->name, row->version, original);
+}
+
 GLCallWatch::Scope::Scope() {
     if (sEnter != nullptr) {
         sEnter();
@@ -85,30 +108,22 @@ GLCallWatch::Scope::~Scope() {
 }
 
 GLCallLog::GLCallLog() {
-#if !defined(_WIN32)
-    for (const Row& row : kRows) {
-        row.install(row.name, row.version);
+    if (kSharesEntryPoints) {
+        for (const Row& row : kRows) {
+            row.install(row.name, row.version);
+        }
     }
-#endif
     sLog = this;
 }
 
 GLCallLog::~GLCallLog() {
     const std::lock_guard<std::mutex> lock(sMutex);
     sLog = nullptr;
-#if !defined(_WIN32)
-    for (const Row& row : kRows) {
-        row.remove();
+    if (kSharesEntryPoints) {
+        for (const Row& row : kRows) {
+            row.remove();
+        }
     }
-#endif
-}
-
-bool GLCallLog::available() {
-#if defined(_WIN32)
-    return false;
-#else
-    return true;
-#endif
 }
 
 bool GLCallLog::isWatched(std::string_view name) {

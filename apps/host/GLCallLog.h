@@ -29,8 +29,6 @@ public:
     GLCallLog(const GLCallLog&) = delete;
     GLCallLog& operator=(const GLCallLog&) = delete;
 
-    /// False on Windows, where the library has entry points of its own: nothing is recorded there.
-    static bool available();
     /// Whether the function is one of those that are recorded.
     static bool isWatched(std::string_view name);
     /// Functions that run on the calling thread around every watched call, or null; set before the first log.

@@ -17,6 +17,9 @@ struct GLCallWatch {
     static bool active();
     /// Hands a call to the log that is alive, if there still is one.
     static void add(GLCall call);
+    /// What a module gets that asks the driver for an entry point by name: the wrapper of a function that is
+    /// watched, or else the entry point itself.
+    static void* entryPoint(const char* name, void* original);
 
     /// Runs the hooks of GLCallLog::setHooks() around a watched call.
     struct Scope {

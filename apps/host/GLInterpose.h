@@ -2,8 +2,9 @@
 
 namespace zv::host {
 
-/// Does nothing. Calling it makes the linker take the functions of GLInterpose.cpp, which nothing else names,
-/// into the program. The library finds them when the program exports its symbols (ENABLE_EXPORTS in CMake).
+/// Lets GLCallLog see what the library and the program call. To be called before the first GL context is
+/// made, by a program that exports its symbols (ENABLE_EXPORTS in CMake): on Linux the library finds the
+/// watched functions of GL 1.1 there.
 void linkGLInterpose();
 
 }  // namespace zv::host

@@ -1,9 +1,8 @@
-// The functions of GL 1.1 are called by name, not through pointers. A program that watches them defines them
-// itself and exports them, so that the library's calls land here first; each passes on to the GL library
-// behind it.
+// On Linux the functions of GL 1.1 are called by name, not through pointers. A program that watches them
+// defines them itself and exports them, so that the library's calls land here first; each passes on to the GL
+// library behind it.
 #include "host/GLInterpose.h"
 
-#if !defined(_WIN32)
 #include <GL/glew.h>
 #include <dlfcn.h>
 
@@ -27,7 +26,6 @@ zv::host::WatchedCall<Function> watch(const char* name) {
     }
 ZV_GL11_CALLS(ZV_INTERPOSE)
 #undef ZV_INTERPOSE
-#endif
 
 namespace zv::host {
 

@@ -4,9 +4,13 @@
 
 #include "effects/BeautyShapeChain.h"
 #include "effects/ColorFilter.h"
+#include "effects/Effect70SNode.h"
+#include "effects/GraffitiNode.h"
 #include "effects/HsvNode.h"
+#include "effects/JitterNode.h"
 #include "effects/SkinBuffingNode.h"
 #include "effects/SkinWhitingNode.h"
+#include "effects/SoulstuffNode.h"
 #include "zvfx/LutFile.h"
 
 namespace zvfx {
@@ -14,6 +18,7 @@ namespace zvfx {
 namespace {
 
 constexpr const char* kCannotMake = " cannot be made";
+constexpr int kBehindTheColorTable = 60;  // a local Z order; the chain's own stages end at 50
 
 std::string addSmoothing(const Options& options, const zv::Size16& size, zv::PxFormat format,
                          zv::BeautyShapeChain& chain) {
@@ -89,13 +94,38 @@ std::string addColorTable(const Options& options, const zv::Size16& size, const 
     return {};
 }
 
+std::string addAnimatedLook(const Options& options, const zv::Size16& size, zv::PxFormat format,
+                            zv::BeautyShapeChain& chain) {
+    if (options.effect.empty()) {
+        return {};
+    }
+    zv::FrameBuffer* frameBuffer = chain.getFrameBuffer();
+    zv::RenderTexture* stage = nullptr;
+    if (options.effect == "70s") {
+        stage = zv::Effect70SNode::create(size, frameBuffer, format);
+    } else if (options.effect == "graffiti") {
+        stage = zv::GraffitiNode::create(size, frameBuffer, format);
+    } else if (options.effect == "jitter") {
+        stage = zv::JitterNode::create(size, frameBuffer, format);
+    } else if (options.effect == "soul") {
+        stage = zv::SoulstuffNode::create(size, frameBuffer, format);
+    }
+    if (stage == nullptr) {
+        return "the effect " + options.effect + kCannotMake;
+    }
+    // Over all the rest, and not in the chain's own place for an effect, which lies before the colour table.
+    stage->setLocalZOrder(kBehindTheColorTable);
+    chain.add(stage, true, true);
+    return {};
+}
+
 }  // namespace
 
 std::string makeEffects(const Options& options, const zv::Size16& size, int channels,
                         const std::string& resources, zv::FrameBuffer* frameBuffer,
                         zv::RenderTextureChain*& chain) {
     chain = nullptr;
-    if (!options.smooth && !options.hsv && !options.whiten && !options.lut) {
+    if (!options.hasEffects()) {
         return {};
     }
     const zv::PxFormat format = channels == 4 ? zv::PXFORMAT_RGBA8888 : zv::PXFORMAT_RGB888;
@@ -112,6 +142,9 @@ std::string makeEffects(const Options& options, const zv::Size16& size, int chan
     }
     if (wrong.empty()) {
         wrong = addColorTable(options, size, resources, *stages);
+    }
+    if (wrong.empty()) {
+        wrong = addAnimatedLook(options, size, format, *stages);
     }
     chain = stages;
     return wrong;

@@ -12,8 +12,8 @@ class RenderTextureChain;
 
 namespace zvfx {
 
-/// Makes the chain of the effects that were asked for: smoothing, HSV, whitening, colour table, in this
-/// order.
+/// Makes the chain of the effects that were asked for: smoothing, HSV, whitening, colour table, animated
+/// look, in this order.
 /// @param channels 3 or 4 of the output
 /// @param resources folder that holds zv_res
 /// @param chain the chain, autoreleased; null when no effect was asked for

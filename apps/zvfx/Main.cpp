@@ -1,19 +1,19 @@
-// zvfx: a picture in, the engine's effects over it, a picture out.
+// zvfx: a picture or a video in, the engine's effects over it, a picture or a video out.
 #include <cstdio>
 #include <exception>
-#include <optional>
 #include <string>
 
-#include "core/FileUtil.h"
 #include "core/ZVLog.h"
-#include "host/GLCallLog.h"
+#include "host/Arguments.h"
 #include "host/GLInterpose.h"
+#include "zvfx/Interrupt.h"
 #include "zvfx/Options.h"
 #include "zvfx/OutputFile.h"
-#include "zvfx/PictureFile.h"
+#include "zvfx/PictureRun.h"
 #include "zvfx/Pipeline.h"
 #include "zvfx/Progress.h"
-#include "zvfx/Stats.h"
+#include "zvfx/VideoFiles.h"
+#include "zvfx/VideoRun.h"
 
 namespace zvfx {
 
@@ -21,51 +21,10 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kBadUsage = 2;
-
-/// Sends the picture through as often as asked. @return the last frame, its bottom row first
-Picture renderFrames(Pipeline& pipeline, const Options& options, Stats& stats) {
-    Progress progress(options.frames, options.frames > 1 && !options.quiet && isTerminalError());
-    std::optional<zv::host::GLCallLog> calls;
-    const auto seconds = static_cast<float>(1 / options.fps);
-    StopWatch watch;
-    for (int i = 0; i < options.frames; ++i) {
-        // The calls of the last frame are counted: the first one still sets things up.
-        if (i + 1 == options.frames && !options.stats.empty() && zv::host::GLCallLog::available()) {
-            calls.emplace();
-        }
-        watch.lap();
-        pipeline.frame(seconds);
-        stats.render += watch.lap();
-        pipeline.read();
-        stats.read += watch.lap();
-        progress.frameDone();
-    }
-    if (calls) {
-        stats.callsPerFrame = calls->total();
-        calls.reset();
-    }
-    watch.lap();
-    Picture picture = pipeline.finish();
-    stats.read += watch.lap();
-    return picture;
-}
-
-std::string encodeAndWrite(const Options& options, const Picture& picture, StandardOutput& standardOutput) {
-    std::vector<std::uint8_t> png;
-    if (!encodePng(picture, png)) {
-        return "the picture cannot be encoded";
-    }
-    if (options.toStandardOutput()) {
-        return standardOutput.write(png) ? std::string() : "standard output cannot be written";
-    }
-    return writeFile(options.output, png);
-}
+constexpr int kInterrupted = 130;  // what shells say of a program that Ctrl-C ended
 
 /// @return what went wrong, or nothing
 std::string run(const Options& options, StandardOutput& standardOutput) {
-    StopWatch whole;
-    StopWatch watch;
-    Stats stats;
     // What would fail at the end is said at the start.
     for (const std::string& path :
          {options.toStandardOutput() ? std::string() : options.output, options.stats}) {
@@ -77,60 +36,43 @@ std::string run(const Options& options, StandardOutput& standardOutput) {
     if (std::string wrong = findResources(options.resources, resources); !wrong.empty()) {
         return wrong;
     }
-    zv::FileUtil::getInstance()->setZvRoot(resources);
-    Picture input;
-    if (std::string wrong = readPicture(options.input, input); !wrong.empty()) {
-        return wrong;
-    }
-    stats.decode = watch.lap();
-    Pipeline pipeline;
-    if (std::string wrong = pipeline.open(options, resources, input); !wrong.empty()) {
-        return wrong;
-    }
-    stats.setup = watch.lap();
-    const Picture output = renderFrames(pipeline, options, stats);
-    watch.lap();
-    if (std::string wrong = encodeAndWrite(options, output, standardOutput); !wrong.empty()) {
-        return wrong;
-    }
-    stats.encode = watch.lap();
-    stats.seconds = whole.lap();
-    stats.frames = options.frames;
-    stats.width = output.width;
-    stats.height = output.height;
-    stats.renderer = pipeline.renderer();
-    stats.version = pipeline.version();
-    return options.stats.empty() ? std::string() : writeFile(options.stats, stats.toJson());
+    return outputKind(options.output) == FileKind::Picture ? runPicture(options, resources)
+                                                           : runVideo(options, resources, standardOutput);
+}
+
+int end(int status, const char* why) {
+    std::fprintf(stderr, "zvfx: %s\n", why);
+    return status;
 }
 
 int runMain(int argc, char** argv) {
     // For --stats: lets the GL calls be counted.
     zv::host::linkGLInterpose();
+    const zv::host::Arguments arguments(argc, argv);
     Options options;
-    const ParseResult parsed = parseOptions(argc, argv, options);
+    const ParseResult parsed = parseOptions(arguments.count(), arguments.values(), options);
     if (!parsed.run) {
         std::fprintf(parsed.status == 0 ? stdout : stderr, "%s\n", parsed.message.c_str());
         return parsed.status;
     }
     zv::setLogStream(stderr);
+    if (options.input == "-" && isTerminalInput()) {
+        return end(kBadUsage, "there is no video on a terminal: give - one from a file or program");
+    }
     StandardOutput standardOutput;
     if (options.toStandardOutput()) {
         if (isTerminalOutput()) {
-            std::fprintf(
-                stderr, "zvfx: a picture is nothing to show on a terminal: send -o - to a file or program\n");
-            return kBadUsage;
+            return end(kBadUsage, "a video is nothing to show on a terminal: send -o - to a file or program");
         }
         if (!standardOutput.take()) {
-            std::fprintf(stderr, "zvfx: standard output cannot be used\n");
-            return kFailed;
+            return end(kFailed, "standard output cannot be used");
         }
     }
     const std::string failure = run(options, standardOutput);
     if (!failure.empty()) {
-        std::fprintf(stderr, "zvfx: %s\n", failure.c_str());
-        return kFailed;
+        return end(kFailed, failure.c_str());
     }
-    return 0;
+    return wasInterrupted() ? end(kInterrupted, "interrupted; the frames until then are written") : 0;
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "zvfx/VideoFiles.h"
+
 namespace zvfx {
 
 namespace {
@@ -17,7 +19,7 @@ constexpr int kMostFrames = 1000000;
 constexpr double kMostFps = 1000;
 
 constexpr const char* kDescription =
-    "zvfx puts a picture through Zorvik's effects.\n"
+    "zvfx puts a picture or a video through Zorvik's effects.\n"
     "Without an effect the output's pixels equal the input's.\n";
 
 constexpr const char* kExamples =
@@ -27,13 +29,21 @@ constexpr const char* kExamples =
     "  zvfx photo.png -o fair.png --smooth 0.6 --whiten 0.3\n"
     "                                                      natural beauty\n"
     "  zvfx photo.png -o film.png --lut film,0.8           a look, or a table of your own\n"
+    "  zvfx clip.mp4 -o old.mp4 --effect 70s               an animated look: 70s, graffiti, jitter or soul\n"
     "  zvfx photo.png -o vivid.png --hsv 1,1.4,1           stronger colours\n"
+    "  zvfx photo.png -o fun.png --sticker hat --sticker glasses --faces photo.jsonl\n"
+    "                                                      stickers, on the faces of a track\n"
     "  zvfx photo.png -o grey.png --hsv 1,0,1              no colours\n"
-    "  zvfx photo.png -o - --hsv 1,1,1.2 | display         brighter, to standard output\n"
+    "  zvfx clip.mp4 -o fair.mp4 --smooth 0.6              a video; its sound comes along\n"
+    "  ffmpeg -i clip.mp4 -f yuv4mpegpipe - | zvfx - -o - --lut film | ffplay -\n"
+    "                                                      Y4M through pipes\n"
+    "  zvfx photo.png -o clip.y4m --frames 100 --fps 30    a still video\n"
     "  zvfx photo.png -o out.png --frames 500 --stats s.json\n"
     "                                                      how fast is it here?\n"
     "\n"
-    "Exit status: 0 done, 1 the work failed, 2 bad usage.";
+    "Ctrl-C ends a video after the present frame; what is done so far is a whole file.\n"
+    "\n"
+    "Exit status: 0 done, 1 the work failed, 2 bad usage, 130 ended by Ctrl-C.";
 
 /// Reads one number that ends where the text ends or a separator follows; the separator is taken away as
 /// well.
@@ -129,20 +139,36 @@ std::string parseCount(std::string_view text, const char* option, Number most, N
     return {};
 }
 
-std::string lowerExtension(const std::string& path) {
-    std::string extension = std::filesystem::u8path(path).extension().u8string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return extension;
+std::string parseMatrix(std::string_view text, std::optional<Matrix>& matrix) {
+    for (const auto& [name, value] :
+         {std::pair("601", Matrix::Bt601), std::pair("601-full", Matrix::Bt601Full),
+          std::pair("709", Matrix::Bt709)}) {
+        if (text == name) {
+            matrix = value;
+            return {};
+        }
+    }
+    return "--matrix takes 601, 601-full or 709, not \"" + std::string(text) + "\"";
 }
 
-std::string checkNames(const Options& options) {
-    const std::string in = lowerExtension(options.input);
-    if (in != ".png" && in != ".bmp" && in != ".jpg" && in != ".jpeg") {
-        return "the input is a .png, .bmp or .jpg file, not \"" + options.input + "\"";
+/// Whether input, output and what goes with pictures or videos alone belong together.
+std::string checkNames(const Options& options, bool timed) {
+    const FileKind in = inputKind(options.input);
+    const FileKind out = outputKind(options.output);
+    if (in == FileKind::Unknown) {
+        return "the input \"" + options.input + "\" is of no known kind; " + supportedKinds();
     }
-    if (!options.toStandardOutput() && lowerExtension(options.output) != ".png") {
-        return "the output is a .png file, or - for standard output, not \"" + options.output + "\"";
+    if (out == FileKind::Unknown) {
+        return "the output \"" + options.output + "\" is of no known kind; " + supportedKinds();
+    }
+    if (in != FileKind::Picture && out == FileKind::Picture) {
+        return "a video goes to .y4m, .yuv, - or a video file, not to \"" + options.output + "\"";
+    }
+    if (in != FileKind::Picture && timed) {
+        return "--frames and --fps are for a picture as the input";
+    }
+    if (out == FileKind::Picture && options.matrix) {
+        return "--matrix is for videos";
     }
     return {};
 }
@@ -154,6 +180,10 @@ void makeAbsolute(std::string& path) {
             std::filesystem::absolute(std::filesystem::u8path(path), error);
         path = error ? path : absolute.u8string();
     }
+}
+
+bool isEffect(std::string_view name) {
+    return name == "70s" || name == "graffiti" || name == "jitter" || name == "soul";
 }
 
 ParseResult badUsage(std::string message) {
@@ -169,6 +199,7 @@ struct Texts {
     std::string hsv;
     std::string whiten;
     std::string lut;
+    std::string matrix;
     std::string gl = "core";
     std::string frames;
     std::string fps;
@@ -176,12 +207,20 @@ struct Texts {
 
 void declare(CLI::App& app, Options& options, Texts& texts) {
     app.footer(kExamples);
+    // A path may begin with a slash.
+    app.allow_windows_style_options(false);
     app.get_formatter()->label("REQUIRED", "");
     app.set_help_flag("-h,--help", "print this text");
     app.set_version_flag("--version", "zvfx " ZVFX_VERSION, "print the version");
-    app.add_option("INPUT", options.input, "the picture: .png, .bmp or .jpg")->required()->type_name("");
+    app.add_option(
+           "INPUT", options.input,
+           "a picture (.png, .bmp or .jpg), a .y4m video, - for Y4M on standard input, or a video file "
+           "of any other kind")
+        ->required()
+        ->type_name("");
     app.add_option("-o,--output", options.output,
-                   "where it goes: a .png file, or - for PNG on standard output")
+                   "where it goes: a .png picture, a .y4m or .yuv (raw I420) video, - for Y4M on standard "
+                   "output, or a video file of the kind that its name says")
         ->required()
         ->type_name("OUTPUT");
     app.add_option("--size", texts.size, "size of the output in pixels (default: the input's)")
@@ -199,14 +238,31 @@ void declare(CLI::App& app, Options& options, Texts& texts) {
         ->type_name("FILE[,A]");
     app.add_option("--hsv", texts.hsv, "multiply hue, saturation and value; 1,1,1 changes nothing")
         ->type_name("H,S,V");
+    app.add_option("--effect", options.effect,
+                   "an animated look over all the others: 70s, graffiti, jitter or soul; --frames N tells "
+                   "which frame of it a .png shows")
+        ->type_name("NAME");
+    app.add_option("--sticker", options.stickers,
+                   "a sticker's folder, or one of glasses, hat, cat, confetti, frame; repeat it for more")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    app.add_option("--faces", options.faces,
+                   "the face track that face stickers follow: a line of JSON a frame, see docs/stickers.md")
+        ->type_name("FILE");
+    app.add_flag("--debug-faces", options.debugFaces,
+                 "draw the points, outlines and axes of the faces in the track over everything else");
+    app.add_option("--matrix", texts.matrix,
+                   "how YUV is read and written: 601, 601-full or 709 (default: as the input says, else 601)")
+        ->type_name("M");
     app.add_option("--res", options.resources, "the folder that holds zv_res (default: found by itself)")
         ->type_name("DIR");
     app.add_option("--gl", texts.gl, "kind of GL context: core (default) or compat")->type_name("KIND");
     app.add_option("--stats", options.stats, "write counts and times as JSON")->type_name("FILE");
     app.add_option("--frames", texts.frames,
-                   "send the picture through N times (default 1), the last one is kept")
+                   "send a picture through N times (default 1); a video gets them all, a .png the last one")
         ->type_name("N");
-    app.add_option("--fps", texts.fps, "frames a second that effects see pass by (default 25)")
+    app.add_option("--fps", texts.fps,
+                   "frames a second of a picture's video, and what effects see pass by (default 25)")
         ->type_name("F");
     app.add_flag("--quiet", options.quiet, "no progress bar");
 }
@@ -234,6 +290,15 @@ std::string interpret(const CLI::App& app, const Texts& texts, Options& options)
     if (given("--hsv")) {
         wrong = parseHsv(texts.hsv, options.hsv);
     }
+    if (given("--matrix")) {
+        wrong = parseMatrix(texts.matrix, options.matrix);
+    }
+    if (given("--effect") && !isEffect(options.effect)) {
+        wrong = "--effect takes 70s, graffiti, jitter or soul, not \"" + options.effect + "\"";
+    }
+    if (given("--debug-faces") && !given("--faces")) {
+        wrong = "--debug-faces draws the faces of a track: give it with --faces";
+    }
     if (given("--frames")) {
         wrong = parseCount(texts.frames, "--frames", kMostFrames, options.frames);
     }
@@ -246,12 +311,14 @@ std::string interpret(const CLI::App& app, const Texts& texts, Options& options)
     options.core = texts.gl == "core";
     for (const auto& [name, text] :
          {std::pair("--res", &options.resources), std::pair("--stats", &options.stats),
-          std::pair("--output", &options.output), std::pair("INPUT", &options.input)}) {
+          std::pair("--faces", &options.faces), std::pair("--output", &options.output),
+          std::pair("INPUT", &options.input)}) {
         if (given(name) && text->empty()) {
             wrong = std::string(name) + " is empty";
         }
     }
-    return wrong.empty() ? checkNames(options) : wrong;
+    const bool timed = app.count("--frames") + app.count("--fps") != 0;
+    return wrong.empty() ? checkNames(options, timed) : wrong;
 }
 
 }  // namespace
@@ -273,11 +340,12 @@ ParseResult parseOptions(int argc, const char* const* argv, Options& options) {
     if (!wrong.empty()) {
         return badUsage(wrong);
     }
-    for (std::string* path : {&options.input, &options.output, &options.resources, &options.stats}) {
+    for (std::string* path :
+         {&options.input, &options.output, &options.resources, &options.stats, &options.faces}) {
         makeAbsolute(*path);
     }
-    if (!options.stats.empty() && options.stats == options.output) {
-        return badUsage("--stats and --output name the same file");
+    if (!options.stats.empty() && (options.stats == options.output || options.stats == options.input)) {
+        return badUsage("--stats and the input or the output name the same file");
     }
     return {true, 0, {}};
 }

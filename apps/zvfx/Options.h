@@ -2,6 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "zvfx/VideoFrame.h"
 
 namespace zvfx {
 
@@ -23,22 +26,29 @@ struct Options {
         float amount;
     };
 
-    std::string input;   ///< absolute path
-    std::string output;  ///< absolute path, or "-" for standard output
+    std::string input;   ///< absolute path, or "-" for Y4M on standard input
+    std::string output;  ///< absolute path, or "-" for Y4M on standard output
     std::optional<Size> size;
     std::optional<float> smooth;   ///< skin smoothing, 0 to 1
     std::optional<float> sharpen;  ///< 0 to 2; comes with smoothing
     std::optional<Hsv> hsv;
     std::optional<float> whiten;  ///< 0 to 1
     std::optional<Lut> lut;
-    std::string resources;  ///< absolute path of the folder that holds zv_res; empty: look for it
-    bool core = true;       ///< a core profile context, or else a compatibility one
-    std::string stats;      ///< absolute path of the JSON file; empty: none
+    std::string effect;                 ///< 70s, graffiti, jitter or soul; empty: none
+    std::vector<std::string> stickers;  ///< as given: folders, or bare names of those in zv_res/stickers
+    std::string faces;                  ///< absolute path of the face track; empty: none
+    bool debugFaces = false;            ///< whether the points and outlines of the track are drawn
+    std::optional<Matrix> matrix;       ///< how YUV is read and written; none: as the input says, else BT.601
+    std::string resources;              ///< absolute path of the folder that holds zv_res; empty: look for it
+    bool core = true;                   ///< a core profile context, or else a compatibility one
+    std::string stats;                  ///< absolute path of the JSON file; empty: none
     int frames = 1;
     double fps = 25;
     bool quiet = false;
 
     bool toStandardOutput() const { return output == "-"; }
+    bool changesPicture() const { return hasEffects() || !stickers.empty() || debugFaces; }
+    bool hasEffects() const { return smooth || hsv || whiten || lut || !effect.empty(); }
 };
 
 /// How parsing ended.

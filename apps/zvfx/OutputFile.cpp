@@ -1,7 +1,6 @@
 #include "zvfx/OutputFile.h"
 
 #include <filesystem>
-#include <fstream>
 #include <random>
 
 #if defined(_WIN32)
@@ -16,13 +15,6 @@ namespace zvfx {
 namespace fs = std::filesystem;
 
 namespace {
-
-bool writeStream(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
-    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    return stream.good();
-}
 
 /// What a link leads to, so that the link stays and its target is replaced.
 fs::path followLink(const fs::path& path) {
@@ -58,9 +50,48 @@ bool StandardOutput::take() {
     return mStream != nullptr;
 }
 
-bool StandardOutput::write(const std::vector<std::uint8_t>& bytes) {
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), mStream) == bytes.size();
-    return std::fflush(mStream) == 0 && written;
+bool StandardOutput::write(const void* bytes, std::size_t count) {
+    return std::fwrite(bytes, 1, count, mStream) == count;
+}
+
+bool StandardOutput::finish() {
+    return std::fflush(mStream) == 0;
+}
+
+TargetFile::TargetFile(const std::string& path) : mTarget(followLink(fs::u8path(path))), mWritten(mTarget) {
+    std::error_code error;
+    if (!fs::exists(mTarget, error) || fs::is_regular_file(mTarget, error)) {
+        mWritten += ".part-" + std::to_string(std::random_device{}());
+    }
+}
+
+TargetFile::~TargetFile() {
+    if (!mCommitted && mWritten != mTarget) {
+        std::error_code error;
+        fs::remove(mWritten, error);
+    }
+}
+
+bool TargetFile::commit() {
+    std::error_code error;
+    if (mWritten != mTarget) {
+        fs::rename(mWritten, mTarget, error);
+    }
+    mCommitted = !error;
+    return mCommitted;
+}
+
+FileWriter::FileWriter(const std::string& path)
+    : mFile(path), mStream(mFile.writePath(), std::ios::binary | std::ios::trunc) {}
+
+bool FileWriter::write(const void* bytes, std::size_t count) {
+    mStream.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(count));
+    return mStream.good();
+}
+
+bool FileWriter::finish() {
+    mStream.close();
+    return mStream.good() && mFile.commit();
 }
 
 std::string checkTarget(const std::string& path) {
@@ -76,21 +107,9 @@ std::string checkTarget(const std::string& path) {
 }
 
 std::string writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-    std::error_code error;
-    const fs::path target = followLink(fs::u8path(path));
-    if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-        return writeStream(target, bytes) ? std::string() : path + ": cannot be written";
-    }
-    fs::path temporary = target;
-    temporary += ".part-" + std::to_string(std::random_device{}());
-    if (writeStream(temporary, bytes)) {
-        fs::rename(temporary, target, error);
-        if (!error) {
-            return {};
-        }
-    }
-    fs::remove(temporary, error);
-    return path + ": cannot be written";
+    FileWriter file(path);
+    return file.write(bytes.data(), bytes.size()) && file.finish() ? std::string()
+                                                                   : path + ": cannot be written";
 }
 
 }  // namespace zvfx

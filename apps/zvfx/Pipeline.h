@@ -3,12 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "core/UniqueDataPtr.h"
+#include "core/TVec.h"
 #include "zvfx/Options.h"
 #include "zvfx/PictureFile.h"
 
 namespace zv {
 class RenderTexture;
+class Sprite;
 class ZVMediaEngine;
 namespace host {
 class HeadlessContext;
@@ -17,47 +18,49 @@ class HeadlessContext;
 
 namespace zvfx {
 
-/// The engine with one picture as its input and the effects that were asked for, driven as any host drives
-/// it.
+/// A GL context of its own with the engine and the effects that were asked for, driven as any host drives it.
+/// Everything on one thread. Operations that can fail answer what went wrong, or nothing.
 class Pipeline {
 public:
-    Pipeline();
+    /// @param options outlives the pipeline
+    explicit Pipeline(const Options& options);
     ~Pipeline();
     Pipeline(const Pipeline&) = delete;
     Pipeline& operator=(const Pipeline&) = delete;
 
-    /// Makes context, engine, input and effects.
-    /// @param resources folder that holds zv_res
-    /// @return what went wrong, or nothing
-    std::string open(const Options& options, const std::string& resources, const Picture& input);
+    /// Makes context and engine, which find shaders and tables in `resources`, the folder that holds zv_res.
+    std::string open(const std::string& resources);
+
+    /// Whether GL has textures of this size.
+    std::string checkSize(int width, int height) const;
+
+    /// Puts the effects between input and output.
+    /// @param output where pictures of `size` go; null: a render texture that the engine makes, RGB
+    /// @param channels 3, or 4 to keep alpha
+    std::string link(zv::Sprite* input, const zv::Size16& size, zv::RenderTexture* output, int channels);
 
     /// Updates by `seconds` and renders one frame.
-    void frame(float seconds);
+    /// @param wait whether GL is to be done with it at the end
+    void frame(float seconds, bool wait);
 
-    /// Starts to read the present frame and takes the one that was started by the call before; what the first
-    /// call takes is no frame yet.
-    void read();
-
-    /// Waits for the frame whose read() came last.
-    /// @return the picture, its bottom row first
-    Picture finish();
+    /// What link() was given or made.
+    zv::RenderTexture* output() const;
 
     std::string renderer() const;
     std::string version() const;
 
 private:
-    std::string openContext(bool core);
-    std::string openInput(const Picture& input);
-    std::string openEffects(const Options& options, const std::string& resources);
-
+    const Options& mOptions;
+    std::string mResources;
     std::shared_ptr<zv::host::HeadlessContext> mContext;
     std::unique_ptr<zv::ZVMediaEngine> mEngine;
-    zv::RenderTexture* mOutput = nullptr;  // the engine holds it
-    zv::UniqueDataPtr<unsigned char> mPixels;
-    int mWidth = 0;
-    int mHeight = 0;
-    int mChannels = 3;
 };
+
+zv::Size16 toSize(int width, int height);
+
+/// A sprite that shows a picture, autoreleased; null with the reason in `wrong`.
+/// @param same whether it is shown pixel by pixel: then no rounding of a filter can touch the values
+zv::Sprite* makePictureSprite(const Picture& picture, bool same, std::string& wrong);
 
 /// Finds the folder that holds zv_res: the one given, else one beside the program, the installed one or the
 /// source tree's. @return what is wrong, or nothing

@@ -1,5 +1,6 @@
 #include "zvfx/Progress.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -31,6 +32,10 @@ bool isTerminalError() {
     return isTerminal(stderr);
 }
 
+bool isTerminalInput() {
+    return isTerminal(stdin);
+}
+
 bool isTerminalOutput() {
     return isTerminal(stdout);
 }
@@ -54,12 +59,20 @@ void Progress::frameDone() {
 }
 
 void Progress::draw() {
-    const double rate = mElapsed > 0 ? mDone / mElapsed : 0;
-    const int left = rate > 0 ? static_cast<int>(std::lround((mTotal - mDone) / rate)) : 0;
-    const auto filled = static_cast<std::size_t>(static_cast<double>(kBarWidth) * mDone / mTotal);
-    const std::string bar = std::string(filled, '#') + std::string(kBarWidth - filled, '.');
-    std::fprintf(stderr, "\r[%s] %3d%%  %d/%d  %.1f fps  %d:%02d left ", bar.c_str(),
-                 static_cast<int>(100.0 * mDone / mTotal), mDone, mTotal, rate, left / 60, left % 60);
+    const double rate = mElapsed > 0 ? static_cast<double>(mDone) / mElapsed : 0;
+    if (mTotal == 0) {
+        std::fprintf(stderr, "\r%lld frames  %.1f fps ", static_cast<long long>(mDone), rate);
+    } else {
+        // A video may hold a few frames more than its file says.
+        const std::int64_t total = std::max(mDone, mTotal);
+        const double share = static_cast<double>(mDone) / static_cast<double>(total);
+        const long left = rate > 0 ? std::lround(static_cast<double>(total - mDone) / rate) : 0;
+        const auto filled = static_cast<std::size_t>(kBarWidth * share);
+        const std::string bar = std::string(filled, '#') + std::string(kBarWidth - filled, '.');
+        std::fprintf(stderr, "\r[%s] %3d%%  %lld/%lld  %.1f fps  %ld:%02ld left ", bar.c_str(),
+                     static_cast<int>(100 * share), static_cast<long long>(mDone),
+                     static_cast<long long>(total), rate, left / 60, left % 60);
+    }
     std::fflush(stderr);
     mDrawn = true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "zvfx/Stats.h"
 
 namespace zvfx {
@@ -7,8 +9,9 @@ namespace zvfx {
 /// A bar on standard error: share done, frames per second, time left. Redrawn at most ten times a second.
 class Progress {
 public:
+    /// @param total how many frames are expected; 0: nobody knows, there is no bar and no time left
     /// @param shown false draws nothing at all
-    Progress(int total, bool shown) : mTotal(total), mShown(shown) {}
+    Progress(std::int64_t total, bool shown) : mTotal(total), mShown(shown) {}
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -18,9 +21,9 @@ public:
 private:
     void draw();
 
-    int mTotal;
+    std::int64_t mTotal;
     bool mShown;
-    int mDone = 0;
+    std::int64_t mDone = 0;
     bool mDrawn = false;
     double mElapsed = 0;
     double mLastDrawn = 0;
@@ -29,6 +32,8 @@ private:
 
 /// Whether standard error is a terminal.
 bool isTerminalError();
+/// Whether standard input is a terminal.
+bool isTerminalInput();
 /// Whether standard output is a terminal.
 bool isTerminalOutput();
 

@@ -12,8 +12,7 @@ std::vector<std::uint8_t> Stats::toJson() const {
     json["seconds"] = seconds;
     json["stages"] = {
         {"decode", decode}, {"setup", setup}, {"render", render}, {"read", read}, {"encode", encode}};
-    const double perFrame = render + read;
-    json["frames_per_second"] = perFrame > 0 ? frames / perFrame : 0;
+    json["frames_per_second"] = loop > 0 ? static_cast<double>(frames) / loop : 0;
     if (callsPerFrame) {
         json["gl_calls_per_frame"] = *callsPerFrame;
     } else {

@@ -5,7 +5,9 @@
 
 #include "support/TempDir.h"
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include "core/FileUtilWindows.h"
+#else
 #include <sys/wait.h>
 #endif
 
@@ -17,8 +19,15 @@ namespace {
 std::string quote(const std::string& text) {
     return "\"" + text + "\"";
 }
-int exitStatus(int result) {
-    return result;
+/// @return the exit status
+int runShell(const std::string& command) {
+    return _wsystem(StringUtf8ToWideChar(quote(command)).c_str());
+}
+/// Text as the program wrote it; the C library has made two characters of each line end.
+std::string readText(const std::string& path) {
+    std::string text = readFile(path);
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
 }
 #else
 std::string quote(const std::string& text) {
@@ -28,8 +37,12 @@ std::string quote(const std::string& text) {
     }
     return quoted + "'";
 }
-int exitStatus(int result) {
+int runShell(const std::string& command) {
+    const int result = std::system(command.c_str());
     return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+std::string readText(const std::string& path) {
+    return readFile(path);
 }
 #endif
 
@@ -49,13 +62,10 @@ ProgramResult runZvfx(const std::vector<std::string>& arguments, const std::stri
         command += " " + quote(argument);
     }
     command += " >" + quote(out) + " 2>" + quote(folder.file("err"));
-#if defined(_WIN32)
-    command = quote(command);
-#endif
     ProgramResult result;
-    result.status = exitStatus(std::system(command.c_str()));
+    result.status = runShell(command);
     result.output = standardOutput.empty() ? readFile(out) : std::string();
-    result.error = readFile(folder.file("err"));
+    result.error = readText(folder.file("err"));
     return result;
 }
 

@@ -11,13 +11,7 @@
 
 namespace zv::test {
 
-class GLCallRecorderTest : public GLTest {
-protected:
-    void SetUp() override {
-        ZV_NEEDS_RECORDER();
-        GLTest::SetUp();
-    }
-};
+using GLCallRecorderTest = GLTest;
 
 TEST_F(GLCallRecorderTest, SeesCallsOfTestAndLibraryUntilItsEndAndLetsThemThrough) {
     {

@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include "apps/RunProgram.h"
+#include "support/Picture.h"
+#include "support/TempDir.h"
+
+namespace zv::test {
+
+const std::string& matrix() {
+    static const std::string sMatrix = "[10,0,0,0, 0,10,0,0, 0,0,10,0, 16,8,0,1]";
+    return sMatrix;
+}
+
+TEST(ZvfxStickerPicture, GlassesFollowTheTrackAtAnySize) {
+    const TempDir folder;
+    const Pixel grey{90, 90, 90, 255};
+    ASSERT_TRUE(Picture(64, 32, grey).save(folder.file("in.png")));
+    // In pixels of 32 x 16: a face in the middle, then none, then one that stays at the left.
+    std::string left = matrix();
+    left.replace(left.find("16,8"), 4, "3,8");
+    folder.write("track.jsonl", R"({"size": [32, 16], "faces": [[)" + matrix() + "," + matrix() + "," +
+                                    matrix() + "]]}\n\n{\"faces\": []}\r\n{\"faces\": [[" + left + "," +
+                                    left + "," + left + "]]}");
+    // The frame that is kept, and whether the middle and the left edge of it are covered.
+    struct Row {
+        const char *frames, *size;
+        bool middle, side;
+    };
+    for (const Row& row : {Row{"1", "64x32", true, false}, Row{"2", "64x32", false, false},
+                           Row{"5", "64x32", false, true}, Row{"1", "128x32", true, false}}) {
+        SCOPED_TRACE(std::string(row.frames) + " of " + row.size);
+        const ProgramResult ended =
+            runZvfx({folder.file("in.png"), "-o", folder.file("out.png"), "--sticker", "glasses", "--faces",
+                     folder.file("track.jsonl"), "--frames", row.frames, "--size", row.size, "--quiet"});
+        ASSERT_EQ(ended.status, 0) << ended.error;
+        const Picture out = Picture::load(folder.file("out.png"));
+        EXPECT_EQ(out.at(out.width / 2, 16) != grey, row.middle);
+        EXPECT_EQ(out.at(out.width * 3 / 32, 16) != grey, row.side);
+        EXPECT_EQ(out.at(out.width - 1, 16), grey);
+    }
+}
+
+TEST(ZvfxStickerPicture, SaysWhatIsWrongAndInWhichLine) {
+    const TempDir folder;
+    ASSERT_TRUE(Picture(16, 16, {1, 2, 3, 255}).save(folder.file("in.png")));
+    const std::string good = R"({"faces": [[)" + matrix() + "]]}\n";
+    struct Row {
+        std::string track, sticker, says;
+    };
+    for (const Row& row :
+         {Row{good + "\n{", "hat", "line 3: is no JSON"}, Row{"[]", "hat", "line 1: is no JSON object"},
+          Row{good + R"({"face": []})", "hat", "line 2: lacks \"faces\""},
+          Row{R"({"faces": [[]]})", "hat", "at least one matrix"},
+          Row{R"({"faces": [[[1, 2]]]})", "hat", "16 numbers"},
+          Row{R"({"faces": [[[1,0,0,0, 0,1,0,0, 0,0,1,0, 0,0,1e300,1]]]})", "hat", "a float can hold"},
+          Row{R"({"size": [0, 4], "faces": []})", "hat", "at least 1"}, Row{"\n", "hat", "holds no frame"},
+          Row{good, "no-such", "no-such: is no folder"}, Row{good, "frame", "512x512, 720x1280"},
+          Row{good, folder.path(), "no folder with a sticker.json"}, Row{"", "hat", "--faces"}}) {
+        folder.write("track.jsonl", row.track);
+        std::vector<std::string> arguments{folder.file("in.png"), "-o", folder.file("out.png"), "--sticker",
+                                           row.sticker};
+        if (!row.track.empty())
+            arguments.insert(arguments.end(), {"--faces", folder.file("track.jsonl")});
+        const ProgramResult ended = runZvfx(arguments);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_NE(ended.error.find(row.says), std::string::npos) << ended.error << "instead of " << row.says;
+    }
+}
+
+}  // namespace zv::test
