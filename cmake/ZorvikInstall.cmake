@@ -1,9 +1,10 @@
 # What a host gets: the library, its headers below include/zorvik (so that "scene/ZVMediaEngine.h" keeps its
-# path), the resource tree, zvfx, a CMake package and a pkg-config file. The whole prefix can be moved.
+# path), the resource tree share/zv_res, zvfx, a CMake package and a pkg-config file. The whole prefix can be moved.
+# "cpack" makes one archive of it.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(ZV_INSTALL_RESOURCES "${CMAKE_INSTALL_DATADIR}/zorvik")
+set(ZV_INSTALL_RESOURCES "${CMAKE_INSTALL_DATADIR}")
 set(ZV_INSTALL_PACKAGE "${CMAKE_INSTALL_LIBDIR}/cmake/Zorvik")
 
 target_include_directories(zorvik PUBLIC "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zorvik>")
@@ -38,3 +39,21 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
 set(ZV_PC_PREFIX "\${pcfiledir}/${ZV_PC_UP}")
 configure_file(cmake/zorvik.pc.in "${PROJECT_BINARY_DIR}/package/zorvik.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/package/zorvik.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+if(WIN32)
+    set(ZV_PACKAGE_SYSTEM windows)
+    set(CPACK_GENERATOR ZIP)
+else()
+    set(ZV_PACKAGE_SYSTEM linux)
+    set(CPACK_GENERATOR TGZ)
+endif()
+# A C++ class interface binds a library to the compiler family that made it: the package says so first.
+configure_file(cmake/package-readme-${ZV_PACKAGE_SYSTEM}.txt.in "${PROJECT_BINARY_DIR}/package/README.txt" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/package/README.txt" "${PROJECT_SOURCE_DIR}/THIRD-PARTY-NOTICES.txt"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/zorvik")
+set(CPACK_PACKAGE_NAME zorvik)
+set(ZV_PACKAGE_NAME "zorvik-${PROJECT_VERSION}-${ZV_PACKAGE_SYSTEM}-x64")
+set(CPACK_PACKAGE_FILE_NAME "${ZV_PACKAGE_NAME}")
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+include(CPack)

@@ -23,3 +23,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # Without it libpng pulls in zlib1.dll, which nobody would ship.
 set(ZLIB_USE_STATIC_LIBS ON)
+
+# No runtime DLL has to lie beside what is linked.
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+
+# What is built is run under Wine.
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run.sh")

@@ -4,7 +4,7 @@ set -euo pipefail
 set -f # patterns are for git, not for the shell
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-folders="core gl algorithm scene effects gltf"
+folders="core gl algorithm scene effects gltf face"
 # Which of our folders each one may include.
 declare -A below=(
     [core]="core"
@@ -13,6 +13,7 @@ declare -A below=(
     [scene]="core gl algorithm scene"
     [effects]="core gl algorithm scene effects"
     [gltf]="core gl algorithm scene gltf"
+    [face]="core gl algorithm scene face"
 )
 
 failed=0
@@ -28,9 +29,9 @@ done < <(git ls-files -co --exclude-standard -z -- $(for f in $folders; do echo 
     xargs -0 -r grep -HnoP '^\s*#\s*include\s*"\K[^"]+' || true)
 
 while IFS=: read -r file line text; do
-    report "$file:$line" "a public header must not include $text"
+    [ "$file" = gltf/GtJson.h ] || report "$file:$line" "a public header must not include $text"
 done < <(git ls-files -co --exclude-standard -z -- $(for f in $folders; do echo "$f/*.h"; done) |
-    xargs -0 -r grep -HnoE '^\s*#\s*include\s*[<"](GL/|windows\.h|Windows\.h|png\.h)[^>"]*[>"]' || true)
+    xargs -0 -r grep -HnoE '^\s*#\s*include\s*[<"](GL/|rapidjson/|windows\.h|Windows\.h|png\.h)[^>"]*[>"]' || true)
 
 [ $failed -eq 0 ] && echo "layers: fine"
 exit $failed

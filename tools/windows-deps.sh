@@ -87,7 +87,7 @@ build glew "$(echo "$work"/sources/glew-*/)build/cmake" -DBUILD_UTILS=OFF
 build gtest /usr/src/googletest -DBUILD_GMOCK=OFF
 
 # Header-only libraries are the same on every system; each is linked alone, never all of /usr/include.
-for headers in CLI stb nlohmann; do
+for headers in CLI stb nlohmann rapidjson; do
     [ -d "/usr/include/$headers" ] && ln -sfn "/usr/include/$headers" "$work/prefix/include/$headers"
 done
 

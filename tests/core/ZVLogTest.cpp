@@ -28,8 +28,10 @@ TEST(ZVLog, WritesInChunksOf1024BytesAndDropsWhatCannotBeFormatted) {
     const LogCapture log;
     // A zero byte ends the text of its own chunk and of no other.
     zv::zvLog("%c%s", 0, std::string(1015, 'a').append("second chunk").c_str());
-    // The locale of a test program has no such character.
+#if !defined(_WIN32)
+    // The locale of a test program has no such character; on Windows every text can be formatted.
     zv::zvLog("%ls", L"\x20AC");
+#endif
     EXPECT_EQ(log.text(), "Zorvik: second chunk\n");
 }
 

@@ -120,7 +120,6 @@ TEST_F(BeautyShapeChainTest, AnyStageLeavesARunningChainAndComesBack) {
 }
 
 TEST_F(BeautyShapeChainTest, ASecondFrameOfAllStagesMakesNothing) {
-    ZV_NEEDS_RECORDER();
     startWith();
     frame();
     GLCallRecorder recorder;

@@ -22,7 +22,6 @@ protected:
 };
 
 TEST_F(ColorFilterTest, TheImageOrTheTypeChoosesTheLayoutOnce) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     const auto layout = [&] {
         const std::string text = recorder.callsOf("glShaderSource").back().text;
@@ -65,7 +64,6 @@ TEST_F(ColorFilterTest, TakesOnlyImagesThatLoadAndKeepsOne) {
 }
 
 TEST_F(ColorFilterTest, TheIntensityWaitsForTheDrawAndTheDirectionIsSentAtOnce) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     ColorFilter* filter = make(save("table.png", 512, 512));
     EXPECT_EQ(filter->getIntensity(), 0.5F);

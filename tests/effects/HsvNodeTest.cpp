@@ -12,7 +12,6 @@ namespace zv::test {
 using HsvNodeTest = EngineTest;
 
 TEST_F(HsvNodeTest, SendsTheWholeVectorAtOnceAndOnlyWhenItChanges) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     HsvNode* node = HsvNode::create({8, 4}, nullptr, PXFORMAT_RGBA8888);
     using Vectors = std::vector<std::vector<float>>;

@@ -32,7 +32,6 @@ TEST_F(SkinBuffingNodeTest, PassesAreHalfSizeAndTheOwnTargetIsWholeAfterAResize)
 }
 
 TEST_F(SkinBuffingNodeTest, StepsTexelsAndStrengthsReachTheirPrograms) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     SkinBuffingNode* skin = startSkin(Picture::noise(721, 481));
     const auto passes = nestedIn(skin);  // second blur, its input, mean filter, first blur

@@ -32,7 +32,6 @@ TEST_P(StylisedLookTest, StepsOnceAFrameInAChainAndOnceMoreWhereItIsShownAgain) 
 }
 
 TEST_P(StylisedLookTest, ASteadyCycleMakesAndAllocatesNothing) {
-    ZV_NEEDS_RECORDER();
     startLook(GetParam(), Picture::noise(kWidth, kHeight));
     for (int i = 0; i < GetParam().cycle; ++i)
         frame();
@@ -91,7 +90,6 @@ private:
 }  // namespace
 
 TEST_F(StylisedTest, SendsTheCountersOfTwoCycles) {
-    ZV_NEEDS_RECORDER();
     const Picture picture(30, 20, {128, 128, 128, 255});
     startLook(kLooks[0], picture);
     Sent seventies(stage->getProgram());

@@ -40,7 +40,6 @@ TEST_F(YuvNodes, FramesFlowThroughTheBeautyChainWithoutWaste) {
     for (int i = 0; i < 2 * 190; ++i)
         ASSERT_NEAR(out.get(0)[40 * 21 + i], bytes[1 + i / 190][i % 190], 3) << i;
 
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     const AllocationCounter allocated;
     wholeFrame();
@@ -66,7 +65,6 @@ TEST_F(YuvNodes, FramesFlowThroughTheBeautyChainWithoutWaste) {
 }
 
 TEST_F(YuvNodes, ASpriteStartsAtFullRangeAndSendsOnlyWhatIsNew) {
-    ZV_NEEDS_RECORDER();
     GLCallRecorder recorder;
     auto* sprite = YUVSprite::create(11, 12, {1280, 720});
     for (const int value : {3, 3, 0, 4})

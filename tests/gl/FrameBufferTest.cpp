@@ -19,7 +19,7 @@ struct Listed : FrameBuffer {
     using FrameBuffer::sFrameBuffers;
 };
 
-class FrameBufferTest : public RecordedGLTest {
+class FrameBufferTest : public GLTest {
 protected:
     static RenderTargetTexture* makeTarget() {
         return RenderTargetTexture::create(Size16(4, 4), PXFORMAT_RGBA8888);
@@ -181,7 +181,7 @@ TEST_F(FrameBufferTest, DefaultOneStandsForTheHostsBuffer) {
     drawable->release();
 }
 
-using RenderTargetTest = RecordedGLTest;
+using RenderTargetTest = GLTest;
 
 /// What GL knows of the bound render buffer.
 GLint storage(GLenum name) {

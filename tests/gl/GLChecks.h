@@ -8,15 +8,6 @@
 
 namespace zv::test {
 
-/// A drawing test that counts GL calls.
-class RecordedGLTest : public GLTest {
-protected:
-    void SetUp() override {
-        ZV_NEEDS_RECORDER();
-        GLTest::SetUp();
-    }
-};
-
 /// One number of GL's state, wide enough to be compared with names as well as with constants.
 inline long long integer(GLenum name) {
     GLint value = -1;

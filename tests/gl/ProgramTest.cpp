@@ -51,7 +51,7 @@ Sources sourcesOf(const std::string& vertex, const std::string& fragment) {
     return sources;
 }
 
-using ProgramTest = RecordedGLTest;
+using ProgramTest = GLTest;
 
 TEST_F(ProgramTest, SourcesGetTheHeadOfTheContextsGeneration) {
     const std::string precision = "#define LOWP \n#define MEDIUMP \n";

@@ -10,7 +10,7 @@
 
 namespace zv::test {
 
-using RenderStateTest = RecordedGLTest;
+using RenderStateTest = GLTest;
 
 TEST_F(RenderStateTest, FrameBuffersAreBoundOnlyWhenTheNameChanges) {
     FrameBuffer* first = FrameBuffer::create();

@@ -13,7 +13,7 @@ namespace zv::test {
 
 namespace {
 
-using TextureTest = RecordedGLTest;
+using TextureTest = GLTest;
 
 TEST_F(TextureTest, OnlyOwnersDeleteTheirNames) {
     const unsigned int owned = newTextureName(), borrowed = newTextureName();

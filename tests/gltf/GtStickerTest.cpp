@@ -83,7 +83,6 @@ TEST_F(GtStickerTest, ComesAndGoesWithTheFaceBusinessInAnyOrder) {
 }
 
 TEST_F(GtStickerTest, PrimitivesThatShareAKeyShareTheFirstOnesArrayAndStayInside) {
-    ZV_NEEDS_RECORDER();
     StickerFiles files;
     std::string hundred = files.rectangle(0, -1, 1, 0);
     const std::string small = hundred;
@@ -110,7 +109,6 @@ TEST_F(GtStickerTest, PrimitivesThatShareAKeyShareTheFirstOnesArrayAndStayInside
 }
 
 TEST_F(GtStickerTest, TenStickersDrawOnceEachAndAllocateNothing) {
-    ZV_NEEDS_RECORDER();
     ZV_NEEDS_ALLOCATION_COUNTER();
     const std::string shipped = std::string(ZV_TEST_RES_DIR) + "/zv_res/stickers/";
     for (const char* name : {"confetti", "frame-512x512", "glasses", "hat", "cat", "confetti",

@@ -11,10 +11,12 @@ endfunction()
 file(REMOVE_RECURSE "${BUILD}")
 file(MAKE_DIRECTORY "${BUILD}")
 if(WAY STREQUAL "package")
-    run("${CMAKE_COMMAND}" -S "${SOURCE}" -B "${BUILD}" -G "${GENERATOR}" "-DCMAKE_PREFIX_PATH=${PREFIX}"
+    run("${CMAKE_COMMAND}" -S "${SOURCE}" -B "${BUILD}" -G "${GENERATOR}" "-DZorvik_DIR=${PREFIX}/${LIBDIR}/cmake/Zorvik"
+        "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}"
         "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
     run("${CMAKE_COMMAND}" --build "${BUILD}")
-    run("${BUILD}/consumer" "${PREFIX}/share/zorvik")
+    file(GLOB program "${BUILD}/consumer" "${BUILD}/consumer.exe")
+    run(${EMULATOR} "${program}" "${PREFIX}/share")
 else()
     set(ENV{PKG_CONFIG_PATH} "${PREFIX}/${LIBDIR}/pkgconfig")
     run("${PKG_CONFIG}" --cflags --libs zorvik)
@@ -22,6 +24,6 @@ else()
     run("${PKG_CONFIG}" --variable=resourcedir zorvik)
     string(STRIP "${output}" resources)
     run("${COMPILER}" -std=c++17 "${SOURCE}/main.cpp" -o "${BUILD}/consumer" ${flags}
-        "-Wl,-rpath,${PREFIX}/${LIBDIR}")
+        -lEGL -lGL "-Wl,-rpath,${PREFIX}/${LIBDIR}")
     run("${BUILD}/consumer" "${resources}")
 endif()

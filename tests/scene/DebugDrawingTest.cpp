@@ -110,7 +110,6 @@ TEST_F(DebugDrawingPicture, PointsAreDiscsOfTheirSizesAndColours) {
 }
 
 TEST_F(DebugDrawing, PolygonsGiveTwoVerticesASegment) {
-    ZV_NEEDS_RECORDER();
     bindTarget(kTarget);
     const std::vector<Vec2f> corners(4);
     GLCallRecorder calls;
@@ -174,7 +173,6 @@ using Drawings = ::testing::Types<DrawLines, DrawPoints>;
 TYPED_TEST_SUITE(DebugDrawingCounts, Drawings, NameOf);
 
 TYPED_TEST(DebugDrawingCounts, ChangesAreUploadedOnceAndObjectsLiveAsLongAsTheDrawing) {
-    ZV_NEEDS_RECORDER();
     this->bindTarget(kTarget);
     TypeParam* drawing = this->make();
     drawing->retain();

@@ -129,7 +129,6 @@ TEST_F(HostStateTest, BlendingIsSetAnewEachFrame) {
 }
 
 TEST_F(HostStateTest, CostsNothingWhenOffAndFewCallsWhenOn) {
-    ZV_NEEDS_RECORDER();
     setUpPipeline();
     GLCallRecorder recorder;
     const auto calls = [&](bool keep) {

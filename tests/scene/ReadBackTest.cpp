@@ -110,7 +110,6 @@ TEST_F(ReadBackTest, PartsLieOneBehindAnotherInOneBlock) {
 }
 
 TEST_F(ReadBackTest, NeverReadsIntoMemoryDirectlyAndReusesItsTwoBuffers) {
-    ZV_NEEDS_RECORDER();
     Reader* reader = Reader::create({4, 4}, PXFORMAT_RGBA8888);
     reader->show(1);
     Block out(64);

@@ -151,7 +151,6 @@ TEST_F(SpriteTest, ACopyDrawsTheSameAndReleasesNothing) {
 }
 
 TEST_F(SpriteTest, UploadsGrowWithTheCoordinateSets) {
-    ZV_NEEDS_RECORDER();
     bindTarget({4, 4});
     Sprite* sprite = spriteOf(textureOf(4, 4));
     GLCallRecorder calls;
@@ -178,7 +177,6 @@ TEST_F(SpriteTest, UploadsGrowWithTheCoordinateSets) {
 }
 
 TEST_F(SpriteTest, DeathDeletesTheBuffersAndLeavesTheVertexArrayForReuse) {
-    ZV_NEEDS_RECORDER();
     bindTarget({4, 4});
     Texture2D* texture = textureOf(4, 4);
     T2F_Quad coords;

@@ -87,7 +87,6 @@ TEST_F(ZVMediaEngineTest, OutputDecidesFrameBufferAndLastRenderTexture) {
 }
 
 TEST_F(ZVMediaEngineTest, OnlyWithAnInputTextureAlgorithmsRunAndThenSomethingIsDrawn) {
-    ZV_NEEDS_RECORDER();
     auto business = std::make_shared<Business>(media->getAlgEngine());
     business->registerAlgFunc(std::make_shared<kel_algorithm::AlgBizFunc>());
     media->getAlgEngine()->setBiz(4, business);
@@ -132,7 +131,6 @@ TEST_F(ZVMediaEngineTest, ResizingReachesChainOutputAndViewPorts) {
 }
 
 TEST_F(ZVMediaEngineTest, LeftOverViewPortsDoNotReachTheFrameAndUpdateAndFinishAreTheHostsChoice) {
-    ZV_NEEDS_RECORDER();
     media->init(makeSprite(picture), kSize, nullptr, false);
     auto* sticker = autoreleased(new Counting<Node>);
     media->addSticker(sticker);
@@ -194,7 +192,6 @@ TEST_F(ZVMediaEngineTest, DestructionDetachesWhatTheHostKeepsAndServesTheDying) 
 }
 
 TEST_F(MediaFrameCostTest, AFrameLikeTheOneBeforeMakesNothing) {
-    ZV_NEEDS_RECORDER();
     for (const bool chain : {false, true}) {
         media->init(makeSprite(picture), kSize, makeTexture(Picture(kWidth, kHeight)), false);
         media->setRenderChain(chain ? makeChain(true, true) : nullptr);

@@ -3,6 +3,10 @@
 #include <cstdlib>
 #include <new>
 
+#if defined(_WIN32)
+#include "host/ImportTable.h"
+#endif
+
 #if defined(__SANITIZE_ADDRESS__)
 #define ZV_COUNTS_ALLOCATIONS 0
 #elif defined(__has_feature)
@@ -65,7 +69,26 @@ void operator delete(void* memory, std::size_t) noexcept {
 }
 #endif
 
+#if defined(_WIN32)
+namespace {
+
+void* replaceAllocation(std::string_view name, void* address) {
+    if (name == "malloc") {
+        return reinterpret_cast<void*>(allocate);
+    }
+    return name == "free" ? reinterpret_cast<void*>(release) : address;
+}
+
+}  // namespace
+#endif
+
 namespace zv::test {
+
+void AllocationCounter::watchLibrary() {
+#if defined(_WIN32)
+    host::replaceImports("zorvik.dll", "msvcrt.dll", replaceAllocation);
+#endif
+}
 
 AllocationCounter::AllocationCounter()
     : mAllocations(tCounts.allocations), mFrees(tCounts.frees), mBytes(tCounts.bytes) {}

@@ -18,6 +18,10 @@ public:
     /// ZV_NEEDS_ALLOCATION_COUNTER().
     static bool available();
 
+    /// On Windows, where the library allocates through its own copy of operator new: counts its calls of
+    /// malloc as well. Nothing elsewhere. To be called once, at the start.
+    static void watchLibrary();
+
     /// Between the two this thread's allocations stay uncounted; pairs may be nested.
     static void pause();
     static void resume();

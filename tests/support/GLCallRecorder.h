@@ -9,7 +9,7 @@ namespace zv::test {
 using host::GLCall;
 
 /// Records every GL call of the library and of the test while it is alive; what it can answer is told at
-/// host::GLCallLog. One at a time. Skip tests that need it with ZV_NEEDS_RECORDER().
+/// host::GLCallLog. One at a time.
 class GLCallRecorder : public host::GLCallLog {
 public:
     GLCallRecorder();
@@ -21,8 +21,3 @@ public:
 };
 
 }  // namespace zv::test
-
-/// Skips a test that counts calls where calls cannot be caught, and says why.
-#define ZV_NEEDS_RECORDER()                       \
-    if (!::zv::test::GLCallRecorder::available()) \
-    GTEST_SKIP() << "GL calls of the library cannot be recorded on this platform"

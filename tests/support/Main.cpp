@@ -26,6 +26,7 @@ void askForVersion21() {
 
 int main(int argc, char** argv) {
     zv::host::linkGLInterpose();
+    zv::test::AllocationCounter::watchLibrary();
     // What the driver and the recorder allocate is not the library's doing.
     zv::host::GLCallLog::setHooks(zv::test::AllocationCounter::pause, zv::test::AllocationCounter::resume);
     const char* given = std::getenv("ZV_TEST_GL");

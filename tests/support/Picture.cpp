@@ -5,6 +5,10 @@
 #include <png.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 namespace zv::test {
 
@@ -31,7 +35,10 @@ Picture Picture::load(const std::string& path) {
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
     Picture picture;
-    if (png_image_begin_read_from_file(&image, path.c_str()) != 0) {
+    // Not by name: libpng takes names in the code page only.
+    std::ifstream stream(std::filesystem::u8path(path), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) != 0) {
         image.format = PNG_FORMAT_RGBA;
         Picture read(static_cast<int>(image.width), static_cast<int>(image.height));
         if (png_image_finish_read(&image, nullptr, read.rgba.data(), 0, nullptr) != 0) {
@@ -110,7 +117,14 @@ bool Picture::save(const std::string& path) const {
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGBA;
-    return png_image_write_to_file(&image, path.c_str(), 0, rgba.data(), 0, nullptr) != 0;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::string bytes(size, '\0');
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, rgba.data(), 0, nullptr) == 0) {
+        return false;
+    }
+    std::ofstream stream(std::filesystem::u8path(path), std::ios::binary);
+    stream.write(bytes.data(), static_cast<std::streamsize>(size));
+    return stream.flush().good();
 }
 
 }  // namespace zv::test

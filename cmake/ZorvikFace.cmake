@@ -1,0 +1,25 @@
+# ZV_WITH_FACE: whether zorvik-face is built. It needs the ONNX Runtime, which tools/face-deps.sh fetches once into the
+# user's cache; ZV_FACE_DEPS names the folder that it prints, and is found by itself when that has been done.
+set(ZV_WITH_FACE AUTO CACHE STRING "Build zorvik-face on the ONNX Runtime: AUTO, ON or OFF")
+set(ZV_FACE_DEPS "" CACHE PATH "Folder with the ONNX Runtime, as tools/face-deps.sh prints it")
+
+set(ZV_HAS_FACE FALSE)
+if(ZV_WITH_FACE)
+    set(folder "${ZV_FACE_DEPS}")
+    if(NOT folder AND CMAKE_HOST_UNIX)
+        execute_process(COMMAND "${PROJECT_SOURCE_DIR}/tools/face-deps.sh" --cached
+            OUTPUT_VARIABLE folder OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+    endif()
+    if(folder AND EXISTS "${folder}/include/onnxruntime_c_api.h")
+        set(ONNXRUNTIME_INCLUDE_DIR "${folder}/include")
+        if(WIN32)
+            set(ONNXRUNTIME_LIBRARY "${folder}/windows-x64/onnxruntime.dll")
+        else()
+            set(ONNXRUNTIME_LIBRARY "${folder}/linux-x64/libonnxruntime.so.1")
+        endif()
+        set(ONNXRUNTIME_NOTICES "${folder}/LICENSE.onnxruntime.txt" "${folder}/ThirdPartyNotices.onnxruntime.txt")
+        set(ZV_HAS_FACE TRUE)
+    elseif(NOT ZV_WITH_FACE STREQUAL "AUTO")
+        message(FATAL_ERROR "ZV_WITH_FACE is on, but the ONNX Runtime is not there: run tools/face-deps.sh")
+    endif()
+endif()
