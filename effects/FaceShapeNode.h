@@ -1,40 +1,119 @@
 #pragma once
 
-#include <map>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
+#include "algorithm/AlgTypes.h"
 #include "core/TVec.h"
+#include "core/VertexFormats.h"
 #include "core/ZVExport.h"
 #include "gl/PxFormat.h"
+#include "scene/RefHolder.h"
 #include "scene/RenderTexture.h"
+#include "scene/VertexUpload.h"
 
 namespace zv {
 
-/// The place of face reshaping in the beauty chain. It keeps the settings of the deformation; without face
-/// data there is nothing to deform, and the picture passes through as it is.
-/// - Input: what is in the front scene, any format, any orientation.
-/// - Output: the size and format it was made with, the picture unchanged.
-/// - Cost: one pass at full size, one target.
-/// - State: leaves its program in use.
-/// - Setters: see each; they are kept, and do not change the picture without face data.
+class FaceGrid;
+class FaceInput;
+
+/// What FaceShapeNode changes, and what a positive value does; a negative one does the opposite.
+enum FaceShapeType : std::int32_t {
+    FACE_SHAPE_EYES = 0,  ///< "eyes": larger
+    FACE_SHAPE_SLIM,      ///< "slim": cheeks and jaw narrower
+    FACE_SHAPE_CHIN,      ///< "chin": narrower
+    FACE_SHAPE_SHORT,     ///< "short": chin and mouth higher, the face shorter
+    FACE_SHAPE_NOSE,      ///< "nose": narrower
+    FACE_SHAPE_MOUTH,     ///< "mouth": larger
+    FACE_SHAPE_FOREHEAD,  ///< "forehead": higher
+    FACE_SHAPE_COUNT,
+};
+
+/// Reshapes faces: where the node is drawn, its picture is drawn as a mesh, dense over each face and coarse
+/// elsewhere, that shows every place of the picture a little displaced. The displacement is a chain of smooth
+/// fields built from a face's 106 points, each of which is one to one by itself; so the picture never folds,
+/// whatever the values, the points or the number of faces. Outside of a face's ring, a rectangle turned with
+/// the face (docs/face-effects.md), nothing moves, to the byte.
+/// - Input: what is in the front scene, any format, upright: the points of the faces are places in it.
+/// - Output: the size and format it was made with; alpha moves with the picture.
+/// - Cost: one pass at full size, one target, one draw. One fetch a pixel, five where the picture moves.
+/// While
+///   faces move, a mesh of some 10,000 vertices for one face, at most 100,000, is computed and streamed a
+///   frame.
+/// - State: leaves its program in use. A node whose program somebody else has set, which is scaled or not in
+///   fill mode shows its picture unchanged.
+/// - Setters: see each; they take effect at the next draw. Faces come from the media engine's face business,
+///   to which the node subscribes while any value is not 0, or from the host. At most 16 are reshaped.
 class ZV_API FaceShapeNode : public RenderTexture {
 public:
-    FaceShapeNode() = default;
+    FaceShapeNode();
+    ~FaceShapeNode() override;
 
     /// @param frameBuffer retained; null for one of its own
     static FaceShapeNode* create(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer,
                                  PxFormat format);
 
-    /// Strength of one kind of deformation, any number; 0, the default, is none.
+    /// @param type a FaceShapeType; others change nothing
+    /// @param value -1 to 1, cut to that; 0, the default, leaves the picture as it is
     void updateFaceShape(int type, float value);
-    /// 0 for a type that was never set.
+    /// 0 for an unknown type.
     float getFaceShape(int type) const;
-    /// Distance from the border of the picture, in pixels, within which nothing is deformed; default 30.
+    /// The word for a type, as FaceShapeType tells it; null for an unknown type.
+    static const char* getTypeName(int type);
+    /// -1 for an unknown word.
+    static int getTypeByName(const std::string& name);
+
+    /// Distance from the border of the picture, in pixels, within which nothing is moved, so that the border
+    /// stays straight; default 30. What lies further in moves by at most 0.35 of its distance from there.
     void setClipEdge(float pixels) { mClipEdge = pixels; }
     float getClipEdge() const { return mClipEdge; }
 
+    /// Hands in the faces of the latest frame, in pixels of this node's picture with the origin bottom left;
+    /// they stay until the next call. What the argument holds afterwards is memory to use again. For hosts
+    /// that do not use the media engine's face business.
+    void updateFaceLandmarks(kel_algorithm::AlgLandmarksList& faces);
+
+    /// The triangle strip that the last draw used, in clip and texture coordinates; empty when the picture
+    /// was drawn unchanged.
+    const std::vector<V2F_T2F>& getMesh() const { return mMesh; }
+
+    void onDrawSelf(const Mat4& matrix) override;
+
+    using RenderTexture::init;
+
+protected:
+    bool init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) override;
+
 private:
-    std::map<int, float> mStrengths;
+    /// What the mesh was made of.
+    struct MeshSource {
+        std::uint64_t faces = 0;
+        std::array<float, FACE_SHAPE_COUNT> values{};
+        float clipEdge = 0.0F;
+        TVec<2, unsigned short> size;
+        TVec<2, float> corners[3];  ///< texture coordinates of bottom left, bottom right, top left
+
+        bool operator==(const MeshSource& other) const;
+    };
+
+    bool isActive() const;
+    void updateMesh();
+    void fillMesh();
+    void drawMesh();
+
+    std::array<float, FACE_SHAPE_COUNT> mValues{};
     float mClipEdge = 30.0F;
+    std::unique_ptr<FaceInput> mFaces;
+    std::unique_ptr<FaceGrid> mGrid;
+    MeshSource mSource;
+    std::vector<V2F_T2F> mMesh;
+    VertexUpload mUpload;
+    RefHolder<Program> mPlain;  ///< what the picture is drawn with unchanged
+    RefHolder<Program> mWarp;
+    std::int32_t mSizeLocation = -1;
 };
 
 }  // namespace zv
