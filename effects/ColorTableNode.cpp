@@ -1,5 +1,7 @@
 #include "effects/ColorTableNode.h"
 
+#include <GL/glew.h>
+
 #include "core/RefCreate.h"
 #include "gl/Program.h"
 #include "gl/Texture2D.h"
@@ -35,6 +37,8 @@ bool ColorTableNode::loadTable(const std::string& path) {
     if (table == nullptr) {
         return false;
     }
+    // The shaders read single texels; nearest filtering is what that costs least with.
+    table->setTexParameters({GL_NEAREST, GL_NEAREST, GL_CLAMP_TO_EDGE, GL_CLAMP_TO_EDGE}, true);
     setTexture(table, 1, nullptr);
     return true;
 }

@@ -6,12 +6,12 @@
 //   level  = picture * LAST        low = floor(level)        high = min(low + 1, LAST)
 //   colour = the eight entries at (low or high of r, g, b), weighted with fract(level)
 //   result = mix(picture, colour, uniAlpha)
-// Fetches: 1 of the picture, 8 of the lookup image, each in the middle of a texel, where linear filtering gives just
+// Fetches: 1 of the picture, 8 of the lookup image, each in the middle of a texel, which any filter answers with just
 // that texel. Left to interpolate, a filter has weights of 8 bits, and some renderers round its result to 8 bits,
 // which shows as noise in smooth skin.
 // Uniforms:
 //   uniAlpha: 0 the picture, 1 the looked-up colour; others extrapolate.
-// ZV_Tex0: the picture. ZV_Tex1: the lookup image, top row first, linear, clamped; another size is stretched.
+// ZV_Tex0: the picture. ZV_Tex1: the lookup image, top row first, nearest, clamped; another size is stretched.
 uniform sampler2D ZV_Tex0;
 uniform sampler2D ZV_Tex1;
 uniform float uniAlpha;

@@ -7,13 +7,13 @@
 //   result = mix(picture, colour, intensity)
 // An identity table, its entries rounded to 8 bits, gives back every 8-bit colour: entries are off by at most
 // 0.48 of a step, interpolation between them is too, and that is below the half step that rounds away.
-// Fetches: 1 of the picture, 8 of the table, each in the middle of a texel, where linear filtering gives just that
+// Fetches: 1 of the picture, 8 of the table, each in the middle of a texel, which any filter answers with just that
 // texel. Left to interpolate, a filter has weights of 8 bits, and some renderers round its result to 8 bits,
 // which is up to 1.6 steps off with steep tables.
 // Uniforms:
 //   intensity: 0 the picture, 1 the table's colour; others extrapolate.
 //   image_direction: 0 the table's first row in memory is its top row (PNG files), 1 it is the bottom row.
-// ZV_Tex0: the picture. ZV_Tex1: the table, linear, clamped. One of another size is stretched to the layout.
+// ZV_Tex0: the picture. ZV_Tex1: the table, nearest, clamped. One of another size is stretched to the layout.
 uniform sampler2D ZV_Tex0;
 uniform sampler2D ZV_Tex1;
 uniform float intensity;
