@@ -15,19 +15,17 @@ class Program;
 
 /// Turns the picture of a sprite into YUV in two GL textures of the caller: Y into the first one, U and V
 /// side by side into the lower left quarter of the second one.
-/// - Input: the sprite given at the start, else the first sprite of the own scene; of format RGB or RGBA. It
-/// is
-///   drawn through this node's programs: what a program of its own would have done to it is lost, and so are
-///   siblings. A plain RenderTexture as the input converts whatever hangs in its front scene, effects, YUV
-///   sprites and stickers too.
+/// - Input: the sprite given at the start, else the first sprite of the own scene; of format RGB or RGBA.
+///   It is drawn through this node's programs: what a program of its own would have done to it is lost, and
+///   so are siblings. A plain RenderTexture as the input converts whatever hangs in its front scene, effects,
+///   YUV sprites and stickers too.
 /// - Output: Y in red, green and blue; U in red and V in green, on contexts below GL 3.0 U in red, green and
 ///   blue and V in alpha, as a luminance-alpha texture would hand them out. Both textures have the size given
 ///   here and must be ones that GL can draw into; their first row is the bottom one. Drawn as a node it shows
 ///   its input.
 /// - Cost: a pass at full size with 1 fetch a pixel, one of a quarter of the pixels with 4.
-/// - State: gives frame buffer, view port, the input's program and its blending back; leaves the program of
-/// the
-///   last pass in use, as do setColorConversion() and resetSize().
+/// - State: gives frame buffer, view port, the input's program and its blending back; leaves the program
+///   of the last pass in use, as do setColorConversion() and resetSize().
 /// - Setters: see each.
 /// Without an input nothing is drawn. getOutData() reads the luma, a byte a pixel.
 class ZV_API YuvRenderTexture : public RenderTexture {

@@ -61,15 +61,12 @@ public:
     /// - Key times are seconds. The key in force is the last one at or before the time; before the first key
     ///   the first value holds. Values step, they are never interpolated.
     /// - The animation repeats: its span goes from 0 to the latest key of its channels, so that key closes
-    /// the
-    ///   last step and its own value is not seen. Without a key after 0 nothing repeats.
+    ///   the last step and its own value is not seen. Without a key after 0 nothing repeats.
     /// - A channel to "/byteOffset" sets the entry's offset, any other its visibility (0 hides). Neither
-    /// touches
-    ///   the other field. Where two channels set one field of a node, the later one holds.
+    ///   touches the other field. Where two channels set one field of a node, the later one holds.
     /// - Values are read like key times: tightly packed, and 0 for signed 8 and 16 bit types. With fewer
-    /// values
-    ///   than keys the last value holds on. A channel without keys, values, sampler or node is left out, as
-    ///   is one whose offset is negative or has more than 32 bits.
+    ///   values than keys the last value holds on. A channel without keys, values, sampler or node is left
+    ///   out, as is one whose offset is negative or has more than 32 bits.
     /// - A time that is not finite counts as 0. Key times are taken to rise; among others some key is chosen.
     ///
     /// Allocates only for entries that it makes: who calls this every frame resets the entries to GtAniNode()

@@ -281,9 +281,8 @@ void GtSticker::draw(RenderState& state, GtDrawCall& call, const Mat4& projectio
         if (!mSaidIndicesOut) {
             mSaidIndicesOut = true;
             zvLog(
-                "sticker %s: a primitive of node %d is not drawn, its indices from byte %lld on leave their "
-                "buffer "
-                "or the vertices",
+                "sticker %s: a primitive of node %d is not drawn, its indices from byte %lld on leave "
+                "their buffer or the vertices",
                 mLabel.c_str(), call.node, static_cast<long long>(offset));
         }
         return;

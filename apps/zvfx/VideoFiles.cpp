@@ -123,9 +123,8 @@ std::string supportedKinds() {
     return "zvfx reads .png, .bmp, .jpg, .y4m, - and video files, and writes .png, .y4m, .yuv, - and video "
            "files";
 #else
-    return "this zvfx was built without FFmpeg: it reads .png, .bmp, .jpg, .y4m and -, and writes .png, "
-           ".y4m, "
-           ".yuv and -";
+    return "this zvfx was built without FFmpeg: it reads .png, .bmp, .jpg, .y4m and -, and writes "
+           ".png, .y4m, .yuv and -";
 #endif
 }
 

@@ -87,9 +87,13 @@ std::vector<int> upTo(int count) {
     return numbers;
 }
 
-/// Runs zvfx behind a shell's pipe.
-ProgramResult pipeInto(const std::string& feeder, const std::vector<std::string>& arguments) {
-    return runZvfx(arguments, {}, feeder + " | ");
+/// Runs zvfx behind a shell's pipe; Wine's shell has none, so there a file is its input.
+ProgramResult pipeInto(const std::string& file, const std::vector<std::string>& arguments) {
+#if defined(_WIN32)
+    return runZvfx(arguments, {}, "<\"" + file + "\" ");
+#else
+    return runZvfx(arguments, {}, "cat '" + file + "' | ");
+#endif
 }
 
 }  // namespace
@@ -101,7 +105,7 @@ TEST(ZvfxVideo, EveryFrameComesOutOnceInItsOrder) {
             const Clip clip = numbered(count, 64, 18, full);
             folder.write("in.y4m", clip.file());
             const ProgramResult result =
-                pipeInto("cat '" + folder.file("in.y4m") + "'", {"-", "-o", "-", "--hsv", "1,1,0.98"});
+                pipeInto(folder.file("in.y4m"), {"-", "-o", "-", "--hsv", "1,1,0.98"});
             ASSERT_EQ(result.status, 0) << result.error;
             EXPECT_EQ(result.error, "");
             const Clip out = parse(result.output, 64, 18, full);
@@ -169,7 +173,7 @@ TEST(ZvfxVideo, NothingAskedForGivesTheSameBytes) {
         "YUV4MPEG2 W3 H1 F24000:1001 I? A59:54 C420paldv XYSCSS=420PALDV XCOLORRANGE=FULL\n"
         "FRAME Xa Xb\n1234567FRAME\nabcdefg";
     folder.write("in.y4m", file);
-    const ProgramResult piped = pipeInto("cat '" + folder.file("in.y4m") + "'", {"-", "-o", "-"});
+    const ProgramResult piped = pipeInto(folder.file("in.y4m"), {"-", "-o", "-"});
     EXPECT_EQ(piped.status, 0) << piped.error;
     EXPECT_EQ(piped.output, file);
 }
@@ -319,13 +323,25 @@ TEST(ZvfxVideo, AVideoFileKeepsItsTimesSoundColoursAndRotation) {
     ASSERT_NE(at, std::string::npos) << report;
     EXPECT_GT(std::atof(report.c_str() + at + 4), 38) << "dB of the worst frame, the encoder's loss included";
     // Uneven sizes and kinds of pictures that have to be converted.
-    const std::string other =
-        "ffmpeg -v error -f lavfi -i testsrc=s=33x17:d=0.2 -pix_fmt yuv422p10le -c:v ffv1 '" +
-        folder.file("other.mkv") + "'";
-    ASSERT_EQ(std::system(other.c_str()), 0);
-    const ProgramResult odd = runZvfx({folder.file("other.mkv"), "-o", "-", "--hsv", "1,1,1"});
-    EXPECT_EQ(odd.error, "");
-    EXPECT_EQ(parse(odd.output, 33, 17, false).frames.size(), 5u);
+    for (const std::string kind : {"yuv422p10le -c:v ffv1", "nv12 -c:v rawvideo"}) {
+        ASSERT_EQ(std::system(("ffmpeg -v error -f lavfi -i testsrc=s=33x17:d=0.2 -pix_fmt " + kind +
+                               " -y '" + folder.file("other.nut") + "'")
+                                  .c_str()),
+                  0);
+        const ProgramResult odd = runZvfx({folder.file("other.nut"), "-o", "-", "--hsv", "1,1,1"});
+        EXPECT_EQ(odd.error, "");
+        EXPECT_EQ(parse(odd.output, 33, 17, false).frames.size(), 5u) << kind;
+    }
+    // The kind of container that does not say what it takes, and pictures that change their kind on the way.
+    EXPECT_EQ(runZvfx({folder.file("in.mp4"), "-o", folder.file("out.ts")}).error, "");
+    const std::string jpeg = "ffmpeg -v error -f lavfi -i testsrc=s=64x32:d=0.2 -f mjpeg -pix_fmt yuvj";
+    ASSERT_EQ(
+        std::system(
+            ("(" + jpeg + "444p - && " + jpeg + "420p -) >'" + folder.file("mixed.mjpeg") + "'").c_str()),
+        0);
+    const ProgramResult mixed = runZvfx({folder.file("mixed.mjpeg"), "-o", folder.file("mixed.y4m")});
+    EXPECT_NE(mixed.error.find("changes its size or kind of pictures at frame 6"), std::string::npos)
+        << mixed.error;
 }
 #endif
 

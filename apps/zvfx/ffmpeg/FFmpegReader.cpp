@@ -96,6 +96,7 @@ std::string FFmpegReader::openDecoder(const AVCodec* codec) {
 
 void FFmpegReader::describe() {
     const AVStream& video = stream();
+    mPixels = mDecoder->pix_fmt;
     mFormat.width = mDecoder->width;
     mFormat.height = mDecoder->height;
     const AVRational rate = av_guess_frame_rate(mFile.get(), mFile->streams[mVideo], nullptr);
@@ -125,6 +126,9 @@ void FFmpegReader::describe() {
 bool FFmpegReader::chooseMatrix() {
     const bool full = isFullRange(*mDecoder);
     switch (mDecoder->colorspace) {
+        case AVCOL_SPC_RGB:
+            mFormat.matrix = Matrix::Bt601;
+            return true;
         case AVCOL_SPC_UNSPECIFIED:
         case AVCOL_SPC_BT470BG:
         case AVCOL_SPC_SMPTE170M:
@@ -148,6 +152,15 @@ std::string FFmpegReader::openScaler(const Matrix* matrix, bool matrixKnown) {
                              nullptr);
     if (mScaler == nullptr) {
         return "has pictures of a kind that cannot be converted";
+    }
+    mConverted.reset(av_frame_alloc());
+    if (mConverted != nullptr) {
+        mConverted->format = wanted;
+        mConverted->width = mFormat.width;
+        mConverted->height = mFormat.height;
+    }
+    if (mConverted == nullptr || av_frame_get_buffer(mConverted.get(), 0) < 0) {
+        return "needs more memory than there is";
     }
     const int target = mFormat.matrix == Matrix::Bt709 ? SWS_CS_ITU709 : SWS_CS_ITU601;
     // SWS_CS_* are the numbers of AVColorSpace.
@@ -209,8 +222,7 @@ VideoSource::Result FFmpegReader::read(VideoFrame& frame, std::string& wrong) {
         wrong = "cannot be decoded at frame " + std::to_string(mRead + 1) + " (" + avError(result) + ")";
         return Result::Failed;
     }
-    if (mPicture->width != mFormat.width || mPicture->height != mFormat.height ||
-        mPicture->format != mDecoder->pix_fmt) {
+    if (mPicture->width != mFormat.width || mPicture->height != mFormat.height || !hasTheKindOfTheFirst()) {
         wrong = "changes its size or kind of pictures at frame " + std::to_string(mRead + 1);
         return Result::Failed;
     }
@@ -230,21 +242,25 @@ VideoSource::Result FFmpegReader::read(VideoFrame& frame, std::string& wrong) {
     return Result::Frame;
 }
 
+/// The decoder may change its mind with every picture, and the planes of another kind have other sizes.
+bool FFmpegReader::hasTheKindOfTheFirst() const {
+    const auto now = static_cast<AVPixelFormat>(mPicture->format);
+    const bool samePlanes = (is420(now) && is420(mPixels)) || (is444(now) && is444(mPixels));
+    return now == mPixels || (mScaler == nullptr && samePlanes);
+}
+
 void FFmpegReader::copyPicture(VideoFrame& frame) {
-    unsigned char* planes[4] = {};
-    int strides[4] = {};
-    for (std::size_t i = 0; i < frame.layout.planes.size(); ++i) {
-        planes[i] = frame.row(i, 0);
-        strides[i] = static_cast<int>(frame.layout.planes[i].stride);
-    }
+    const AVFrame* from = mPicture.get();
     if (mScaler != nullptr) {
-        sws_scale(mScaler, mPicture->data, mPicture->linesize, 0, mFormat.height, planes, strides);
-        return;
+        // Not into the tight planes: its vector code wants aligned rows and writes past their ends.
+        sws_scale(mScaler, mPicture->data, mPicture->linesize, 0, mFormat.height, mConverted->data,
+                  mConverted->linesize);
+        from = mConverted.get();
     }
     for (std::size_t i = 0; i < frame.layout.planes.size(); ++i) {
         const Plane& plane = frame.layout.planes[i];
-        av_image_copy_plane(planes[i], strides[i], mPicture->data[i], mPicture->linesize[i], plane.width,
-                            plane.height);
+        av_image_copy_plane(frame.row(i, 0), static_cast<int>(plane.stride), from->data[i], from->linesize[i],
+                            plane.width, plane.height);
     }
 }
 

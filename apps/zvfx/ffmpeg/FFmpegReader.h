@@ -31,6 +31,7 @@ private:
     /// Feeds the decoder until it has a picture. @return an FFmpeg error, AVERROR_EOF at the end
     int decode();
     int feed();
+    bool hasTheKindOfTheFirst() const;
     void copyPicture(VideoFrame& frame);
 
     AvInput mFile;
@@ -38,7 +39,9 @@ private:
     AvPacket mPacket;
     AvFrame mPicture;
     SwsContext* mScaler = nullptr;
+    AvFrame mConverted;  ///< what the scaler makes of mPicture
     unsigned int mVideo = 0;
+    AVPixelFormat mPixels = AV_PIX_FMT_NONE;  ///< what the scaler and the layout are made for
     FrameLayout mLayout;
     PacketQueue mAudio;
     bool mAudioWanted = false;

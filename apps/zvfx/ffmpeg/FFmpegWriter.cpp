@@ -1,6 +1,7 @@
 #include "zvfx/ffmpeg/FFmpegWriter.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "zvfx/ffmpeg/FFmpegReader.h"
 
@@ -58,8 +59,11 @@ std::string FFmpegWriter::open(VideoFormat& format, FFmpegReader* reader) {
 
 const AVCodec* FFmpegWriter::chooseEncoder(Chroma& chroma) const {
     const AVCodecID own = mFile->oformat->video_codec;
-    const auto fits = [this](AVCodecID id) {
-        return avformat_query_codec(mFile->oformat, id, FF_COMPLIANCE_NORMAL) == 1;
+    // This container takes H.264, but FFmpeg has no list of what it takes.
+    const bool transport = std::string_view(mFile->oformat->name) == "mpegts";
+    const auto fits = [&](AVCodecID id) {
+        return avformat_query_codec(mFile->oformat, id, FF_COMPLIANCE_NORMAL) == 1 ||
+               (transport && id == AV_CODEC_ID_H264);
     };
     const AVCodec* codecs[] = {
         fits(AV_CODEC_ID_H264) ? avcodec_find_encoder_by_name("libx264") : nullptr,
@@ -94,8 +98,9 @@ std::string FFmpegWriter::openEncoder(VideoFormat& format, const FFmpegReader* r
     mTimeBase = toAv(format.timeBase);
     mEncoder->framerate = toAv(format.rate);
     mEncoder->time_base = mTimeBase;
-    if ((mFile->oformat->flags & AVFMT_VARIABLE_FPS) == 0) {
-        // Such a container counts frames and knows no times.
+    if ((mFile->oformat->flags & AVFMT_VARIABLE_FPS) == 0 || codec->id == AV_CODEC_ID_MPEG1VIDEO ||
+        codec->id == AV_CODEC_ID_MPEG2VIDEO) {
+        // Such a container or codec counts frames and knows no times.
         mEncoder->time_base = av_inv_q(mEncoder->framerate);
     } else if (codec->id == AV_CODEC_ID_MPEG4 && mTimeBase.den > kLargestTimeDenominator) {
         mEncoder->time_base = {1, kLargestTimeDenominator};
@@ -164,10 +169,10 @@ std::string FFmpegWriter::addVideo(const FFmpegReader* reader) {
 }
 
 std::string FFmpegWriter::addAudio(FFmpegReader& reader) {
-    mOrigin = &reader.file();
-    mAudioStreams.assign(mOrigin->nb_streams, -1);
-    for (unsigned int i = 0; i < mOrigin->nb_streams; ++i) {
-        const AVStream& from = *mOrigin->streams[i];
+    const AVFormatContext& origin = reader.file();
+    mAudioStreams.resize(origin.nb_streams);
+    for (unsigned int i = 0; i < origin.nb_streams; ++i) {
+        const AVStream& from = *origin.streams[i];
         if (from.codecpar->codec_type != AVMEDIA_TYPE_AUDIO) {
             continue;
         }
@@ -185,7 +190,7 @@ std::string FFmpegWriter::addAudio(FFmpegReader& reader) {
         to->time_base = from.time_base;
         to->disposition = from.disposition;
         av_dict_copy(&to->metadata, from.metadata, 0);
-        mAudioStreams[i] = to->index;
+        mAudioStreams[i] = {to->index, from.time_base};
         mAudio = &reader.startAudio();
     }
     return {};
@@ -273,12 +278,12 @@ int FFmpegWriter::writeAudio() {
     for (const AvPacket& packet : mAudioPackets) {
         const auto from = static_cast<std::size_t>(packet->stream_index);
         // A stream that shows up late in the file has no place in the output.
-        if (result < 0 || from >= mAudioStreams.size() || mAudioStreams[from] < 0) {
+        if (result < 0 || from >= mAudioStreams.size() || mAudioStreams[from].index < 0) {
             continue;
         }
-        packet->stream_index = mAudioStreams[from];
+        packet->stream_index = mAudioStreams[from].index;
         packet->pos = -1;
-        av_packet_rescale_ts(packet.get(), mOrigin->streams[from]->time_base,
+        av_packet_rescale_ts(packet.get(), mAudioStreams[from].timeBase,
                              mFile->streams[packet->stream_index]->time_base);
         result = av_interleaved_write_frame(mFile, packet.get());
     }

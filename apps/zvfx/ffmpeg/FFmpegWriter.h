@@ -28,6 +28,11 @@ public:
     std::string finish() override;
 
 private:
+    struct AudioStream {
+        int index = -1;  ///< of the stream here; -1: none
+        AVRational timeBase = {0, 1};
+    };
+
     const AVCodec* chooseEncoder(Chroma& chroma) const;
     std::string openEncoder(VideoFormat& format, const FFmpegReader* reader);
     void setColours(const VideoFormat& format, const FFmpegReader* reader);
@@ -52,9 +57,9 @@ private:
     std::int64_t mLastTime = 0;
     bool mAny = false;
     PacketQueue* mAudio = nullptr;
-    const AVFormatContext* mOrigin = nullptr;
     std::vector<AvPacket> mAudioPackets;
-    std::vector<int> mAudioStreams;  ///< by stream of the origin: the stream here, or -1
+    /// By stream of the origin, which may still find further ones on its own thread.
+    std::vector<AudioStream> mAudioStreams;
 };
 
 }  // namespace zvfx
