@@ -49,7 +49,7 @@ SHEETS = [
     ("clip.png", "Clip", "Four moments, before and after."),
     ("effects.png", "Animated looks", "Each at four moments of its cycle."),
 ]
-OVERVIEW = "overview.png"  # the README's picture: the sheet of effects, made smaller
+OVERVIEWS = ["overview.png", "overview-effects.png"]  # the README's pictures: two of the sheets, made smaller
 
 STYLE = """
 :root { color-scheme: dark; --back: #131417; --card: #1c1e22; --line: #2c2f36; --text: #e6e7ea;
@@ -117,7 +117,7 @@ class Page:
     def __init__(self, folder):
         self.folder = folder
         self.sections = []
-        self.shown = {OVERVIEW, "index.html"}
+        self.shown = {*OVERVIEWS, "index.html"}
 
     def image(self, name, alternative, attributes=""):
         width, height = png_size(self.folder / name)
@@ -231,7 +231,7 @@ def animated_files(name, frames):
 def expected_files():
     animated = [file for name, _, frames, _ in ANIMATED for file in animated_files(name, frames)]
     looks = [f"look-{look}.png" for look in LOOKS]
-    return [BEFORE, OVERVIEW] + [row[0] for row in EFFECTS + DETAILS + SHEETS] + looks + animated
+    return [BEFORE] + OVERVIEWS + [row[0] for row in EFFECTS + DETAILS + SHEETS] + looks + animated
 
 
 def make_page(folder):
