@@ -19,6 +19,24 @@ foreach(header IN LISTS ZV_HEADERS)
 endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/res/zv_res" DESTINATION "${ZV_INSTALL_RESOURCES}")
 
+if(TARGET zorvik-face)
+    target_include_directories(zorvik-face PUBLIC "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zorvik>")
+    install(TARGETS zorvik-face EXPORT ZorvikTargets
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    foreach(header IN LISTS ZV_FACE_HEADERS)
+        install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/zorvik/face")
+    endforeach()
+    # The runtime beside the library, which looks there first, and what its licences ask for.
+    if(WIN32)
+        install(PROGRAMS "${ONNXRUNTIME_LIBRARY}" DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    else()
+        install(PROGRAMS "${ONNXRUNTIME_LIBRARY}" DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    endif()
+    install(FILES ${ONNXRUNTIME_NOTICES} DESTINATION "${ZV_INSTALL_RESOURCES}/zv_res/models")
+endif()
+
 if(TARGET zvfx)
     # The program finds the library beside which it was installed, wherever that is.
     set_target_properties(zvfx PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")

@@ -33,6 +33,11 @@ GLuint nameOf(std::int32_t value) {
     return static_cast<GLuint>(value);
 }
 
+/// What was bound may have been one of ours, left there earlier and deleted since: GL refuses its name.
+GLuint aliveTexture(std::int32_t value) {
+    return value != 0 && glIsTexture(nameOf(value)) != GL_FALSE ? nameOf(value) : 0;
+}
+
 void setEnabled(GLenum capability, bool on) {
     if (on) {
         glEnable(capability);
@@ -68,7 +73,7 @@ void HostState::shield() {
 }
 
 void HostState::restore() {
-    glUseProgram(nameOf(mProgram));
+    glUseProgram(mProgram != 0 && glIsProgram(nameOf(mProgram)) != GL_FALSE ? nameOf(mProgram) : 0);
     glViewport(mViewPort[0], mViewPort[1], mViewPort[2], mViewPort[3]);
     restoreUnits();
     restoreBuffers();
@@ -99,13 +104,13 @@ void HostState::restoreUnits() {
     for (std::size_t unit = kUnits; unit-- > 0;) {
         const Unit& kept = mUnits[unit];
         glActiveTexture(unitName(unit));
-        glBindTexture(GL_TEXTURE_2D, nameOf(kept.texture));
+        glBindTexture(GL_TEXTURE_2D, aliveTexture(kept.texture));
         if (kept.sampler != 0) {
             glBindSampler(static_cast<GLuint>(unit), nameOf(kept.sampler));
         }
     }
     if (mHasRectangles) {
-        glBindTexture(GL_TEXTURE_RECTANGLE, nameOf(mRectangle));
+        glBindTexture(GL_TEXTURE_RECTANGLE, aliveTexture(mRectangle));
     }
     if (mActiveUnit != GL_TEXTURE0) {
         glActiveTexture(static_cast<GLenum>(mActiveUnit));

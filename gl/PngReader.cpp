@@ -8,6 +8,12 @@
 
 namespace zv {
 
+namespace {
+
+constexpr png_alloc_size_t MAX_CHUNK_BYTES = 8u << 20;
+
+}  // namespace
+
 struct PngCallbacks {
     static void read(png_structp png, png_bytep out, png_size_t length) {
         auto* reader = static_cast<PngReader*>(png_get_io_ptr(png));
@@ -40,6 +46,10 @@ bool PngReader::readHeader(std::uint32_t maxSide) {
     if (mInfo == nullptr || setjmp(png_jmpbuf(mPng)) != 0)
         return false;
     png_set_user_limits(mPng, maxSide, maxSide);
+    // A chunk says itself how long it is, and what it unpacks to is not known before: neither may take memory
+    // at will. Texts, profiles and the like do not change pixels here and are passed over unread.
+    png_set_chunk_malloc_max(mPng, MAX_CHUNK_BYTES);
+    png_set_keep_unknown_chunks(mPng, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_read_fn(mPng, this, PngCallbacks::read);
     png_read_info(mPng, mInfo);
 

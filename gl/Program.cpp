@@ -271,6 +271,12 @@ std::string Program::getProgramLog() {
 void Program::clear() {
     clearShader();
     if (mProgram != 0 && mProgram != NO_PROGRAM) {
+        // A deleted program lives on, with its shaders, for as long as it is the one in use.
+        GLint used = 0;
+        glGetIntegerv(GL_CURRENT_PROGRAM, &used);
+        if (static_cast<unsigned int>(used) == mProgram) {
+            glUseProgram(0);
+        }
         glDeleteProgram(mProgram);
     }
     mProgram = NO_PROGRAM;

@@ -26,5 +26,8 @@ compare smooth $portrait --smooth 1 --sharpen 1
 compare whiten $portrait --whiten 0.7
 compare hsv $portrait --hsv 0.7,1.4,1.1
 compare table $portrait --lut vivid
+compare sticker $portrait --sticker hat --sticker glasses --faces samples/portrait.track.jsonl
+compare seventies $portrait --effect 70s --frames 30
+compare graffiti $portrait --effect graffiti --frames 53
 compare legacy $portrait --gl compat --smooth 0.6 --hsv 1,1.1,1 --whiten 0.3 --lut natural,0.6
 exit $failed

@@ -33,6 +33,7 @@ std::string addSmoothing(const Options& options, const zv::Size16& size, zv::PxF
     if (options.sharpen) {
         stage->setSharpen(*options.sharpen);
     }
+    stage->setName("smooth");
     chain.setSkinBuffing(stage);
     return {};
 }
@@ -49,6 +50,7 @@ std::string addHsv(const Options& options, const zv::Size16& size, zv::PxFormat 
     stage->setHue(options.hsv->hue);
     stage->setSaturation(options.hsv->saturation);
     stage->setValue(options.hsv->value);
+    stage->setName("hsv");
     chain.setHsv(stage);
     return {};
 }
@@ -66,6 +68,7 @@ std::string addWhitening(const Options& options, const zv::Size16& size, zv::PxF
         return "the whitening needs zv_res/lookups/kel_white.png, which does not load";
     }
     stage->setSkinWhitening(*options.whiten);
+    stage->setName("whiten");
     chain.setSkinWhiting(stage);
     return {};
 }
@@ -90,6 +93,7 @@ std::string addColorTable(const Options& options, const zv::Size16& size, const 
     const std::string extension = path.substr(path.size() - std::min<std::size_t>(path.size(), 4));
     stage->setImageDirection(extension == ".bmp");  // stored bottom row first
     stage->setIntensity(options.lut->amount);
+    stage->setName("lut");
     chain.setFilter(stage);
     return {};
 }
@@ -115,6 +119,7 @@ std::string addAnimatedLook(const Options& options, const zv::Size16& size, zv::
     }
     // Over all the rest, and not in the chain's own place for an effect, which lies before the colour table.
     stage->setLocalZOrder(kBehindTheColorTable);
+    stage->setName("effect");
     chain.add(stage, true, true);
     return {};
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "algorithm/AlgEngine.h"
 #include "core/VertexFormats.h"
@@ -33,6 +34,7 @@ constexpr float kAxisLength = 0.5F;
 // Sizes on the screen, as parts of the output's height, so that the picture looks the same at any size.
 constexpr float kLineWidth = 1.0F / 360.0F;
 constexpr float kPointSize = 1.0F / 70.0F;
+constexpr float kLandmarkSize = 1.0F / 55.0F;  // as a part of the face's width
 
 zv::Vec2f middle(const zv::Vec2f& a, const zv::Vec2f& b) {
     return {(a.x + b.x) / 2.0F, (a.y + b.y) / 2.0F};
@@ -60,7 +62,11 @@ void FaceOverlay::addTo(zv::ZVMediaEngine& engine, const zv::Size16& size) {
     engine.addSticker(overlay);
     overlay->mSubscription = std::make_shared<kel_algorithm::AlgBizFunc>();
     overlay->mSubscription->owner = overlay;
-    overlay->mSubscription->type = kel_algorithm::ALG_FUNC_FACE_MATS;
+    overlay->mSubscription->type = kel_algorithm::ALG_FUNC_FACE_ALL;
+    // Landmarks come before the matrices of the same frame.
+    overlay->mSubscription->onLandmarks = [overlay](kel_algorithm::AlgLandmarksList& faces) {
+        std::swap(overlay->mLandmarks, faces);
+    };
     overlay->mSubscription->onFaceMats = [overlay](kel_algorithm::AlgFaceMatsList& faces) {
         overlay->show(faces);
     };
@@ -71,6 +77,7 @@ FaceOverlay::~FaceOverlay() {
     // The engine may still hold the subscription: without a callable it reaches nobody.
     if (mSubscription) {
         mSubscription->onFaceMats = nullptr;
+        mSubscription->onLandmarks = nullptr;
     }
 }
 
@@ -92,16 +99,38 @@ void FaceOverlay::show(const kel_algorithm::AlgFaceMatsList& faces) {
     const float size = std::max(2.0F * mHalfSize.y * kPointSize, 3.0F);
     for (std::size_t face = 0; face < faces.size(); ++face) {
         const Bones& bones = *faces.get(face);
-        if (bones.size() >= kBones) {
-            showOutlines(bones);
-        }
-        for (std::size_t bone = 0; bone < bones.size(); ++bone) {
-            const zv::Vec2f point = toClip(origin(*bones.get(bone)));
-            mPoints->addPoints(&point, 1, size, kPoint);
+        if (mLandmarks.size() == faces.size()) {
+            showLandmarks(*mLandmarks.get(face));
+        } else {
+            showBones(bones, size);
         }
         if (bones.size() > kHead) {
             showAxes(*bones.get(kHead));
         }
+    }
+}
+
+void FaceOverlay::showLandmarks(const kel_algorithm::AlgFaceLandmarks& face) {
+    constexpr std::size_t kPoints = kel_algorithm::kFacePoints;
+    std::array<zv::Vec2f, kPoints> points;
+    zv::Vec2f low = toClip(face.points[0]), high = low;
+    for (std::size_t i = 0; i < kPoints; ++i) {
+        points[i] = toClip(face.points[i]);
+        low = {std::min(low.x, points[i].x), std::min(low.y, points[i].y)};
+        high = {std::max(high.x, points[i].x), std::max(high.y, points[i].y)};
+    }
+    // Parts of the face's width, so that they do not run together on a small one.
+    const float size = std::max((high.x - low.x) * mHalfSize.x * kLandmarkSize, 2.0F);
+    mPoints->addPoints(points.data(), kPoints, size, kPoint);
+}
+
+void FaceOverlay::showBones(const Bones& bones, float size) {
+    if (bones.size() >= kBones) {
+        showOutlines(bones);
+    }
+    for (std::size_t bone = 0; bone < bones.size(); ++bone) {
+        const zv::Vec2f point = toClip(origin(*bones.get(bone)));
+        mPoints->addPoints(&point, 1, size, kPoint);
     }
 }
 

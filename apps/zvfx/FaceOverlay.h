@@ -14,8 +14,9 @@ class ZVMediaEngine;
 
 namespace zvfx {
 
-/// Draws what the engine's face business tells of each face: a point a bone, the outlines of face, eyes, nose
-/// and mouth that follow from the bones, and the axes of the head, x red, y green and z blue.
+/// Draws what the engine's face business tells of each face: its 106 landmarks, or without them a point a
+/// bone and the outlines of face, eyes, nose and mouth that follow from the bones; and the axes of the head,
+/// x red, y green and z blue.
 class FaceOverlay : public zv::Node {
 public:
     /// Above all stickers, those added later included. The engine must be the current one; it keeps the
@@ -33,6 +34,8 @@ private:
 
     void build(const zv::Size16& size);
     void show(const kel_algorithm::AlgFaceMatsList& faces);
+    void showLandmarks(const kel_algorithm::AlgFaceLandmarks& face);
+    void showBones(const Bones& bones, float size);
     void showOutlines(const Bones& bones);
     void showAxes(const zv::Mat4& head);
     void addOval(const zv::Vec2f& centre, const zv::Vec2f& across, const zv::Vec2f& up);
@@ -40,7 +43,8 @@ private:
 
     zv::DrawLines* mLines = nullptr;    ///< a child
     zv::DrawPoints* mPoints = nullptr;  ///< a child
-    zv::Vec2f mHalfSize;                ///< of the view port in pixels
+    kel_algorithm::AlgLandmarksList mLandmarks;
+    zv::Vec2f mHalfSize;  ///< of the view port in pixels
     std::shared_ptr<kel_algorithm::AlgBizFunc> mSubscription;
 };
 

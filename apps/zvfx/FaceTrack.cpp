@@ -55,10 +55,10 @@ std::string readMatrix(const Json& numbers, const Scale& scale, zv::Mat4& matrix
     const float rows[4] = {scale.x, scale.y, (scale.x + scale.y) / 2.0F, 1.0F};
     for (std::size_t i = 0; i < 16; ++i) {
         const std::optional<float> number = toFloat(numbers[i]);
-        if (!number) {
+        matrix.m[i] = number.value_or(0.0F) * rows[i % 4];
+        if (!number || !std::isfinite(matrix.m[i])) {
             return "a matrix has 16 numbers that a float can hold";
         }
-        matrix.m[i] = *number * rows[i % 4];
     }
     return {};
 }
@@ -98,28 +98,34 @@ std::string readLine(const std::string& text, const zv::Size16& viewPort, Scale&
 }  // namespace
 
 std::string FaceTrack::load(const std::string& path, const zv::Size16& viewPort) {
-    mFrames.clear();
     std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
     if (!file) {
+        mFrames.clear();
         return path + ": cannot be opened";
     }
+    const std::string wrong = read(file, viewPort);
+    return wrong.empty() ? wrong : path + wrong;
+}
+
+std::string FaceTrack::read(std::istream& lines, const zv::Size16& viewPort) {
+    mFrames.clear();
     Scale scale;
     std::string text;
-    for (std::size_t number = 1; std::getline(file, text); ++number) {
+    for (std::size_t number = 1; std::getline(lines, text); ++number) {
         if (text.find_first_not_of(" \t\r") == std::string::npos) {
             continue;
         }
         Frame frame;
         const std::string wrong = readLine(text, viewPort, scale, frame);
         if (!wrong.empty()) {
-            return path + ", line " + std::to_string(number) + ": " + wrong;
+            return ", line " + std::to_string(number) + ": " + wrong;
         }
         mFrames.push_back(std::move(frame));
     }
-    if (file.bad()) {
-        return path + ": cannot be read";
+    if (lines.bad()) {
+        return ": cannot be read";
     }
-    return mFrames.empty() ? path + ": holds no frame" : std::string();
+    return mFrames.empty() ? ": holds no frame" : std::string();
 }
 
 bool FaceTrackDetector::detect(kel_algorithm::AlgFaceResults& results) {

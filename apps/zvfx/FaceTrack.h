@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ public:
     /// Reads the file for a view port of that size: pixels of another size are scaled to it.
     /// @return what is wrong, with the number of the line, or nothing
     std::string load(const std::string& path, const zv::Size16& viewPort);
+    /// The same from a stream. What is wrong begins with a colon or a comma, for a name to stand before it.
+    std::string read(std::istream& lines, const zv::Size16& viewPort);
 
     /// Never empty after load().
     const std::vector<Frame>& frames() const { return mFrames; }

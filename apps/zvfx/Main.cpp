@@ -1,4 +1,5 @@
 // zvfx: a picture or a video in, the engine's effects over it, a picture or a video out.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -40,8 +41,10 @@ std::string run(const Options& options, StandardOutput& standardOutput) {
                                                            : runVideo(options, resources, standardOutput);
 }
 
-int end(int status, const char* why) {
-    std::fprintf(stderr, "zvfx: %s\n", why);
+/// Says why in one line, whatever the names in it hold.
+int end(int status, std::string why) {
+    std::replace(why.begin(), why.end(), '\n', ' ');
+    std::fprintf(stderr, "zvfx: %s\n", why.c_str());
     return status;
 }
 
@@ -70,7 +73,7 @@ int runMain(int argc, char** argv) {
     }
     const std::string failure = run(options, standardOutput);
     if (!failure.empty()) {
-        return end(kFailed, failure.c_str());
+        return end(kFailed, failure);
     }
     return wasInterrupted() ? end(kInterrupted, "interrupted; the frames until then are written") : 0;
 }

@@ -246,18 +246,22 @@ void declare(CLI::App& app, Options& options, Texts& texts) {
                    "a sticker's folder, or one of glasses, hat, cat, confetti, frame; repeat it for more")
         ->type_name("DIR")
         ->allow_extra_args(false);
-    app.add_option("--faces", options.faces,
-                   "the face track that face stickers follow: a line of JSON a frame, see docs/stickers.md")
-        ->type_name("FILE");
+    app.add_option(
+           "--faces", options.faces,
+           "what face stickers follow: auto finds the faces (a file of that name is ./auto), else the "
+           "face track, a line of JSON a frame, see docs/stickers.md")
+        ->type_name("auto|FILE");
     app.add_flag("--debug-faces", options.debugFaces,
-                 "draw the points, outlines and axes of the faces in the track over everything else");
+                 "draw the points, outlines and axes of the faces over everything else");
     app.add_option("--matrix", texts.matrix,
                    "how YUV is read and written: 601, 601-full or 709 (default: as the input says, else 601)")
         ->type_name("M");
     app.add_option("--res", options.resources, "the folder that holds zv_res (default: found by itself)")
         ->type_name("DIR");
     app.add_option("--gl", texts.gl, "kind of GL context: core (default) or compat")->type_name("KIND");
-    app.add_option("--stats", options.stats, "write counts and times as JSON")->type_name("FILE");
+    app.add_option("--stats", options.stats,
+                   "write counts and times as JSON, of the whole and of each effect")
+        ->type_name("FILE");
     app.add_option("--frames", texts.frames,
                    "send a picture through N times (default 1); a video gets them all, a .png the last one")
         ->type_name("N");
@@ -297,7 +301,7 @@ std::string interpret(const CLI::App& app, const Texts& texts, Options& options)
         wrong = "--effect takes 70s, graffiti, jitter or soul, not \"" + options.effect + "\"";
     }
     if (given("--debug-faces") && !given("--faces")) {
-        wrong = "--debug-faces draws the faces of a track: give it with --faces";
+        wrong = "--debug-faces draws the faces of a track or of --faces auto: give --faces";
     }
     if (given("--frames")) {
         wrong = parseCount(texts.frames, "--frames", kMostFrames, options.frames);
@@ -340,9 +344,11 @@ ParseResult parseOptions(int argc, const char* const* argv, Options& options) {
     if (!wrong.empty()) {
         return badUsage(wrong);
     }
-    for (std::string* path :
-         {&options.input, &options.output, &options.resources, &options.stats, &options.faces}) {
+    for (std::string* path : {&options.input, &options.output, &options.resources, &options.stats}) {
         makeAbsolute(*path);
+    }
+    if (!options.findsFaces()) {
+        makeAbsolute(options.faces);
     }
     if (!options.stats.empty() && (options.stats == options.output || options.stats == options.input)) {
         return badUsage("--stats and the input or the output name the same file");

@@ -36,8 +36,8 @@ struct Options {
     std::optional<Lut> lut;
     std::string effect;                 ///< 70s, graffiti, jitter or soul; empty: none
     std::vector<std::string> stickers;  ///< as given: folders, or bare names of those in zv_res/stickers
-    std::string faces;                  ///< absolute path of the face track; empty: none
-    bool debugFaces = false;            ///< whether the points and outlines of the track are drawn
+    std::string faces;                  ///< absolute path of the face track, or "auto"; empty: none
+    bool debugFaces = false;            ///< whether the points and outlines of the faces are drawn
     std::optional<Matrix> matrix;       ///< how YUV is read and written; none: as the input says, else BT.601
     std::string resources;              ///< absolute path of the folder that holds zv_res; empty: look for it
     bool core = true;                   ///< a core profile context, or else a compatibility one
@@ -47,6 +47,7 @@ struct Options {
     bool quiet = false;
 
     bool toStandardOutput() const { return output == "-"; }
+    bool findsFaces() const { return faces == "auto"; }
     bool changesPicture() const { return hasEffects() || !stickers.empty() || debugFaces; }
     bool hasEffects() const { return smooth || hsv || whiten || lut || !effect.empty(); }
 };

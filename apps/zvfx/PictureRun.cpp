@@ -117,7 +117,11 @@ std::string runPicture(const Options& options, const std::string& resources) {
     stats.height = output.height;
     stats.renderer = pipeline.renderer();
     stats.version = pipeline.version();
-    return wrong.empty() && !options.stats.empty() ? writeFile(options.stats, stats.toJson()) : wrong;
+    if (wrong.empty() && !options.stats.empty()) {
+        stats.effects = pipeline.effectCosts();
+        wrong = writeFile(options.stats, stats.toJson());
+    }
+    return wrong;
 }
 
 }  // namespace zvfx

@@ -113,7 +113,8 @@ std::string Pipeline::link(zv::Sprite* input, const zv::Size16& size, zv::Render
     std::string wrong = makeEffects(mOptions, size, channels, mResources, mEngine->getFrameBuffer(), chain);
     mEngine->setRenderChain(chain);
     if (wrong.empty()) {
-        wrong = addStickers(mOptions.stickers, mOptions.faces, mResources, size, *mEngine);
+        wrong = addStickers(mOptions.stickers, mOptions.faces, static_cast<float>(mOptions.fps), mResources,
+                            size, *mEngine);
     }
     if (wrong.empty() && mOptions.debugFaces) {
         FaceOverlay::addTo(*mEngine, size);
@@ -128,6 +129,10 @@ void Pipeline::frame(float seconds, bool wait) {
     mEngine->setFinishAfterRender(wait);
     mEngine->update(seconds);
     mEngine->render();
+}
+
+std::vector<EffectCost> Pipeline::effectCosts() {
+    return measureEffects(mEngine->getRenderChain(), [this] { frame(0, true); });
 }
 
 zv::RenderTexture* Pipeline::output() const {

@@ -2,8 +2,10 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "core/TVec.h"
+#include "zvfx/EffectCosts.h"
 #include "zvfx/Options.h"
 #include "zvfx/PictureFile.h"
 
@@ -42,6 +44,9 @@ public:
     /// Updates by `seconds` and renders one frame.
     /// @param wait whether GL is to be done with it at the end
     void frame(float seconds, bool wait);
+
+    /// What each effect adds to a frame; renders some.
+    std::vector<EffectCost> effectCosts();
 
     /// What link() was given or made.
     zv::RenderTexture* output() const;

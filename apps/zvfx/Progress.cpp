@@ -7,6 +7,7 @@
 
 #if defined(_WIN32)
 #include <io.h>
+#include <windows.h>
 #else
 #include <unistd.h>
 #endif
@@ -20,7 +21,9 @@ constexpr double kRedrawSeconds = 0.1;
 
 bool isTerminal(std::FILE* stream) {
 #if defined(_WIN32)
-    return _isatty(_fileno(stream)) != 0;
+    // _isatty() takes the null device for a terminal as well.
+    DWORD mode = 0;
+    return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))), &mode) != FALSE;
 #else
     return isatty(fileno(stream)) != 0;
 #endif

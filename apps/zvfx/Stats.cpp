@@ -18,6 +18,11 @@ std::vector<std::uint8_t> Stats::toJson() const {
     } else {
         json["gl_calls_per_frame"] = nullptr;
     }
+    json["effects"] = nlohmann::ordered_json::array();
+    for (const EffectCost& effect : effects) {
+        json["effects"].push_back(
+            {{"name", effect.name}, {"seconds_per_frame", effect.seconds}, {"gl_calls", effect.calls}});
+    }
     json["renderer"] = renderer;
     json["gl_version"] = version;
     // A driver may put anything into its texts; what is no UTF-8 is replaced.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/GLCallLog.h"
+#include "zvfx/EffectCosts.h"
 
 namespace zvfx {
 
@@ -40,6 +41,7 @@ struct Stats {
     double read = 0;                           ///< reading all frames back
     double encode = 0;                         ///< encoding and writing the output
     std::optional<std::size_t> callsPerFrame;  ///< GL calls of a late frame with its read-back, where known
+    std::vector<EffectCost> effects;           ///< of what was asked for, in the chain's order
     std::string renderer;                      ///< empty when no GL was needed
     std::string version;
 

@@ -9,6 +9,9 @@
 #include "gltf/GtSticker.h"
 #include "scene/ZVMediaEngine.h"
 #include "zvfx/FaceTrack.h"
+#if defined(ZVFX_FACES)
+#include "face/FaceFinder.h"
+#endif
 
 namespace zvfx {
 
@@ -58,10 +61,27 @@ std::string findSticker(const std::string& given, const std::string& resources, 
                : given + ": comes for outputs of " + sizes + " pixels; tools/make-stickers.py makes others";
 }
 
+#if defined(ZVFX_FACES)
+
+std::string findFaces(zv::ZVMediaEngine& engine, float framesPerSecond) {
+    return zv::FaceFinder::attach(engine, {zv::FaceFinder::Mode::InStep, framesPerSecond})
+               ? std::string()
+               : "faces cannot be found here; --faces FILE follows a track instead";
+}
+
+#else
+
+std::string findFaces(zv::ZVMediaEngine&, float) {
+    return "this zvfx was built without zorvik-face, which finds faces; --faces FILE follows a track";
+}
+
+#endif
+
 }  // namespace
 
 std::string addStickers(const std::vector<std::string>& stickers, const std::string& faces,
-                        const std::string& resources, const zv::Size16& size, zv::ZVMediaEngine& engine) {
+                        float framesPerSecond, const std::string& resources, const zv::Size16& size,
+                        zv::ZVMediaEngine& engine) {
     for (const std::string& given : stickers) {
         std::string folder;
         std::string wrong = findSticker(given, resources, size, folder);
@@ -73,12 +93,15 @@ std::string addStickers(const std::vector<std::string>& stickers, const std::str
             return folder + ": the sticker does not load";
         }
         if (sticker->isFaceSticker() && faces.empty()) {
-            return given + ": follows faces; give their track with --faces";
+            return given + ": follows faces; find them with --faces auto, or give their track";
         }
         engine.addSticker(sticker);
     }
     if (faces.empty()) {
         return {};
+    }
+    if (faces == "auto") {
+        return findFaces(engine, framesPerSecond);
     }
     FaceTrack track;
     std::string wrong = track.load(faces, size);

@@ -27,7 +27,7 @@ public:
     /// of worth and the last frame needs one call more. The time of the frame is the caller's.
     std::string read(VideoFrame& frame);
 
-    const Pipeline& pipeline() const { return mPipeline; }
+    Pipeline& pipeline() { return mPipeline; }
 
 private:
     zv::Sprite* makeInput(const VideoFormat& input, const zv::Size16& size, const zv::Size16& shown,

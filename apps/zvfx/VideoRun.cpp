@@ -93,7 +93,13 @@ std::string runVideo(const Options& options, const std::string& resources, ByteW
     stats.seconds = whole.lap();
     stats.width = format.width;
     stats.height = format.height;
-    return options.stats.empty() ? std::string() : writeFile(options.stats, stats.toJson());
+    if (options.stats.empty()) {
+        return {};
+    }
+    if (pipeline) {
+        stats.effects = pipeline->pipeline().effectCosts();
+    }
+    return writeFile(options.stats, stats.toJson());
 }
 
 }  // namespace zvfx

@@ -10,6 +10,7 @@ namespace zvfx {
 namespace {
 
 constexpr std::array<std::string_view, 4> k420Variants = {"420", "420jpeg", "420mpeg2", "420paldv"};
+constexpr std::string_view kSingleParameters = "WHFIAC";
 constexpr std::string_view kRangeTag = "XCOLORRANGE=";
 constexpr std::string_view kFullRange = "XCOLORRANGE=FULL";
 constexpr std::string_view kLimitedRange = "XCOLORRANGE=LIMITED";
@@ -122,6 +123,22 @@ const char* chromaTag(const VideoFormat& format) {
     return format.chroma == Chroma::C444 ? "C444" : format.leftSited ? "C420mpeg2" : "C420jpeg";
 }
 
+/// What comes last counts. What it takes the place of is dropped, so that the header cannot be read otherwise
+/// when it is written again.
+void keepLast(std::vector<std::string>& parameters, std::string_view parameter) {
+    const bool range = parameter.substr(0, kRangeTag.size()) == kRangeTag;
+    if (range ||
+        (!parameter.empty() && kSingleParameters.find(parameter.front()) != std::string_view::npos)) {
+        const std::string_view beginning = range ? kRangeTag : parameter.substr(0, 1);
+        parameters.erase(std::remove_if(parameters.begin(), parameters.end(),
+                                        [&](const std::string& text) {
+                                            return text.compare(0, beginning.size(), beginning) == 0;
+                                        }),
+                         parameters.end());
+    }
+    parameters.emplace_back(parameter);
+}
+
 /// Whether the parameters say 4:4:4; nothing said is 4:2:0.
 bool saysFullChroma(const std::vector<std::string>& parameters) {
     return std::find(parameters.begin(), parameters.end(), "C444") != parameters.end();
@@ -146,7 +163,7 @@ std::string parseY4mHeader(std::string_view line, VideoFormat& format) {
         line.remove_prefix(1);
         const std::string_view parameter = line.substr(0, line.find(' '));
         line.remove_prefix(parameter.size());
-        format.y4m.emplace_back(parameter);
+        keepLast(format.y4m, parameter);
         std::string wrong = parameter.empty() ? std::string() : parseParameter(parameter, format);
         if (!wrong.empty()) {
             return wrong;

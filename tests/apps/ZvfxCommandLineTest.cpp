@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"WhitenNotANumber", with({"--whiten", "nan"}), "--whiten takes a number"},
         UsageCase{"LutTooMuch", with({"--lut", "a.png,2"}), "from 0 to 1 behind the comma"},
         UsageCase{"EffectUnknown", with({"--effect", "sepia"}), "jitter or soul, not \"sepia\""},
-        UsageCase{"DebugFacesAlone", with({"--debug-faces"}), "give it with --faces"},
+        UsageCase{"DebugFacesAlone", with({"--debug-faces"}), "give --faces"},
         UsageCase{"StatsOverOutput", with({"--stats", "out.png"}), "the same file"},
         UsageCase{"GlUnknown", with({"--gl", "es"}), "core or compat, not \"es\""},
         UsageCase{"FramesZero", with({"--frames", "0"}), "--frames"},
@@ -233,11 +233,13 @@ TEST(ZvfxCommandLine, StatsTellWhatTheRunTook) {
     }
     EXPECT_LE(sum, stats.value("seconds", 0.0) + 1e-6);
     EXPECT_NE(stats.value("renderer", ""), "");
-#if !defined(_WIN32)
     // Two passes and a read-back: more than a draw and a bind each, and nothing near the calls of a start.
     EXPECT_GT(stats.value("gl_calls_per_frame", 0), 15);
     EXPECT_LT(stats.value("gl_calls_per_frame", 0), 100);
-#endif
+    ASSERT_EQ(stats["effects"].size(), 1u);
+    EXPECT_EQ(stats["effects"][0].value("name", ""), "hsv");
+    EXPECT_GT(stats["effects"][0].value("gl_calls", 0), 5) << "a stage taken out is not drawn";
+    EXPECT_LT(stats["effects"][0].value("gl_calls", 0), stats.value("gl_calls_per_frame", 0));
     EXPECT_NE(stats.value("gl_version", ""), "");
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "apps/RunProgram.h"
 #include "support/Picture.h"
 #include "support/TempDir.h"
@@ -37,6 +39,23 @@ TEST(ZvfxStickerPicture, GlassesFollowTheTrackAtAnySize) {
         EXPECT_EQ(out.at(out.width / 2, 16) != grey, row.middle);
         EXPECT_EQ(out.at(out.width * 3 / 32, 16) != grey, row.side);
         EXPECT_EQ(out.at(out.width - 1, 16), grey);
+    }
+}
+
+TEST(ZvfxStickerPicture, FindsTheFacesItself) {
+    const TempDir folder;
+    const std::string portrait = ZV_TEST_DATA_DIR "/portrait.png", out = folder.file("out.png");
+    const ProgramResult ended =
+        runZvfx({portrait, "-o", out, "--sticker", "glasses", "--faces", "auto", "--quiet"});
+    if (ended.error.find("built without zorvik-face") != std::string::npos) {
+        GTEST_SKIP() << ended.error;
+    }
+    ASSERT_EQ(ended.status, 0) << ended.error;
+    const Picture before = Picture::load(portrait), after = Picture::load(out);
+    // A lens below each eye; mouth and flag stay.
+    for (const auto& [x, y, isCovered] : {std::tuple(203, 112, true), std::tuple(247, 114, true),
+                                          std::tuple(224, 146, false), std::tuple(40, 40, false)}) {
+        EXPECT_EQ(before.at(x, y) != after.at(x, y), isCovered) << x << ", " << y;
     }
 }
 

@@ -176,6 +176,10 @@ TEST(ZvfxVideo, NothingAskedForGivesTheSameBytes) {
     const ProgramResult piped = pipeInto(folder.file("in.y4m"), {"-", "-o", "-"});
     EXPECT_EQ(piped.status, 0) << piped.error;
     EXPECT_EQ(piped.output, file);
+    // Of a parameter that comes twice the last one counts, for whoever reads what comes out as well.
+    folder.write("in.y4m", "YUV4MPEG2 W9 H1 C444 XCOLORRANGE=FULL W3 C420jpeg F25:1\nFRAME\n1234567");
+    EXPECT_EQ(runZvfx({folder.file("in.y4m"), "-o", "-"}).output,
+              "YUV4MPEG2 H1 XCOLORRANGE=FULL W3 C420jpeg F25:1\nFRAME\n1234567");
 }
 
 TEST(ZvfxVideo, APictureBecomesAVideoInTheMatrixAskedFor) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <array>
+#include <numeric>
+
+namespace zv::soak {
+
+/// What a process holds at one moment.
+struct Census {
+    static constexpr std::array<const char*, 6> kKinds = {"textures", "buffers",        "frame buffers",
+                                                          "programs", "render buffers", "vertex arrays"};
+    long residentKib = 0;
+    int openFiles = 0;
+    std::array<int, 6> objects{};  ///< of the GL context that is current, by kind
+
+    int objectCount() const { return std::accumulate(objects.begin(), objects.end(), 0); }
+
+    /// Asks the driver about names, so that it misses nothing that was left behind, whoever made it. Slow.
+    static Census take();
+};
+
+}  // namespace zv::soak
