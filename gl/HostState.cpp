@@ -4,6 +4,7 @@
 
 #include "gl/ConfigGL.h"
 #include "gl/ContextProfile.h"
+#include "gl/DeletedNames.h"
 
 namespace zv {
 
@@ -33,11 +34,6 @@ GLuint nameOf(std::int32_t value) {
     return static_cast<GLuint>(value);
 }
 
-/// What was bound may have been one of ours, left there earlier and deleted since: GL refuses its name.
-GLuint aliveTexture(std::int32_t value) {
-    return value != 0 && glIsTexture(nameOf(value)) != GL_FALSE ? nameOf(value) : 0;
-}
-
 void setEnabled(GLenum capability, bool on) {
     if (on) {
         glEnable(capability);
@@ -65,6 +61,7 @@ void HostState::shield() {
     learnContext();
     glGetIntegerv(GL_CURRENT_PROGRAM, &mProgram);
     glGetIntegerv(GL_VIEWPORT, mViewPort.data());
+    mDeleted = DeletedNames::count();
     shieldUnits();
     shieldBuffers();
     shieldBlend();
@@ -73,13 +70,29 @@ void HostState::shield() {
 }
 
 void HostState::restore() {
-    glUseProgram(mProgram != 0 && glIsProgram(nameOf(mProgram)) != GL_FALSE ? nameOf(mProgram) : 0);
+    if (mDeleted != DeletedNames::count()) {
+        forgetDeleted();
+    }
+    glUseProgram(nameOf(mProgram));
     glViewport(mViewPort[0], mViewPort[1], mViewPort[2], mViewPort[3]);
     restoreUnits();
     restoreBuffers();
     restoreBlend();
     restoreFragments();
     restorePixelStore();
+}
+
+void HostState::forgetDeleted() {
+    const auto forget = [](std::int32_t& name, auto isAlive) {
+        if (name != 0 && isAlive(nameOf(name)) == GL_FALSE) {
+            name = 0;
+        }
+    };
+    forget(mProgram, [](GLuint name) { return glIsProgram(name); });
+    for (Unit& unit : mUnits) {
+        forget(unit.texture, [](GLuint name) { return glIsTexture(name); });
+    }
+    forget(mRectangle, [](GLuint name) { return glIsTexture(name); });
 }
 
 void HostState::shieldUnits() {
@@ -104,13 +117,13 @@ void HostState::restoreUnits() {
     for (std::size_t unit = kUnits; unit-- > 0;) {
         const Unit& kept = mUnits[unit];
         glActiveTexture(unitName(unit));
-        glBindTexture(GL_TEXTURE_2D, aliveTexture(kept.texture));
+        glBindTexture(GL_TEXTURE_2D, nameOf(kept.texture));
         if (kept.sampler != 0) {
             glBindSampler(static_cast<GLuint>(unit), nameOf(kept.sampler));
         }
     }
     if (mHasRectangles) {
-        glBindTexture(GL_TEXTURE_RECTANGLE, aliveTexture(mRectangle));
+        glBindTexture(GL_TEXTURE_RECTANGLE, nameOf(mRectangle));
     }
     if (mActiveUnit != GL_TEXTURE0) {
         glActiveTexture(static_cast<GLenum>(mActiveUnit));

@@ -34,6 +34,8 @@ private:
     };
 
     void learnContext();
+    /// What was bound may have been one of ours, left there earlier and deleted since: GL refuses its name.
+    void forgetDeleted();
     void shieldUnits();
     void shieldBuffers();
     void shieldBlend();
@@ -51,6 +53,7 @@ private:
     bool mHasReadFrameBuffer = false;
     bool mHasSamplers = false;
     bool mHasRectangles = false;
+    unsigned int mDeleted = 0;  ///< DeletedNames::count() at shield()
     std::int32_t mProgram = 0;
     std::int32_t mActiveUnit = 0;
     std::array<Unit, kUnits> mUnits;

@@ -10,6 +10,7 @@
 #include "gl/AttribIndex.h"
 #include "gl/ConfigGL.h"
 #include "gl/DebugLabel.h"
+#include "gl/DeletedNames.h"
 
 namespace zv {
 
@@ -278,6 +279,7 @@ void Program::clear() {
             glUseProgram(0);
         }
         glDeleteProgram(mProgram);
+        DeletedNames::add();
     }
     mProgram = NO_PROGRAM;
     mAttributes.clear();

@@ -2,6 +2,8 @@
 
 #include <GL/glew.h>
 
+#include "gl/DeletedNames.h"
+
 namespace zv {
 
 namespace {
@@ -68,8 +70,10 @@ void Texture::active(unsigned int unit) {
 }
 
 void Texture::deleteOwnedName() {
-    if (isOwner() && mName != 0)
+    if (isOwner() && mName != 0) {
         glDeleteTextures(1, &mName);
+        DeletedNames::add();
+    }
 }
 
 void Texture::reset() {

@@ -143,7 +143,7 @@ TEST_F(HostStateTest, CostsNothingWhenOffAndFewCallsWhenOn) {
     EXPECT_EQ(recorder.count("glGetIntegerv"), 1U) << "only the host's frame buffer is asked for";
     // Setting the blend function anew each frame belongs to the cost, and where there are both vertex arrays
     // and the old fixed state, two more questions.
-    EXPECT_LE(calls(true) - off, kind() == Kind::Compatibility ? 66U : 64U) << recorder.summary();
+    EXPECT_LE(calls(true) - off, kind() == Kind::Compatibility ? 62U : 60U) << recorder.summary();
     const PoisonousHost host(screen);
     EXPECT_LE(calls(true) - off, 112U) << "with every item away from its default";
 }
