@@ -11,7 +11,7 @@ namespace zvfx {
 
 namespace {
 
-constexpr std::array kNames = {"smooth", "hsv", "whiten", "lut", "effect"};
+constexpr std::array kNames = {"smooth", "hsv", "whiten", "lut", "face-smooth", "shape", "effect"};
 constexpr int kRounds = 5;
 
 /// Counts the calls of one frame, then times the next one.

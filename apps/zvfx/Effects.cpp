@@ -5,6 +5,8 @@
 #include "effects/BeautyShapeChain.h"
 #include "effects/ColorFilter.h"
 #include "effects/Effect70SNode.h"
+#include "effects/FaceBuffingNode.h"
+#include "effects/FaceShapeNode.h"
 #include "effects/GraffitiNode.h"
 #include "effects/HsvNode.h"
 #include "effects/JitterNode.h"
@@ -98,6 +100,31 @@ std::string addColorTable(const Options& options, const zv::Size16& size, const 
     return {};
 }
 
+std::string addFaceEffects(const Options& options, const zv::Size16& size, zv::PxFormat format,
+                           zv::BeautyShapeChain& chain) {
+    if (options.faceSmooth) {
+        auto* stage = zv::FaceBuffingNode::create(size, chain.getFrameBuffer(), format);
+        if (stage == nullptr) {
+            return std::string("the smoothing of faces") + kCannotMake;
+        }
+        stage->setFaceBuffing(*options.faceSmooth);
+        stage->setName("face-smooth");
+        chain.setFaceBuffingNode(stage);
+    }
+    if (!options.shapes.empty()) {
+        auto* stage = zv::FaceShapeNode::create(size, chain.getFrameBuffer(), format);
+        if (stage == nullptr) {
+            return std::string("the reshaping of faces") + kCannotMake;
+        }
+        for (const auto& [type, value] : options.shapes) {
+            stage->updateFaceShape(type, value);
+        }
+        stage->setName("shape");
+        chain.setFaceShape(stage);
+    }
+    return {};
+}
+
 std::string addAnimatedLook(const Options& options, const zv::Size16& size, zv::PxFormat format,
                             zv::BeautyShapeChain& chain) {
     if (options.effect.empty()) {
@@ -147,6 +174,9 @@ std::string makeEffects(const Options& options, const zv::Size16& size, int chan
     }
     if (wrong.empty()) {
         wrong = addColorTable(options, size, resources, *stages);
+    }
+    if (wrong.empty()) {
+        wrong = addFaceEffects(options, size, format, *stages);
     }
     if (wrong.empty()) {
         wrong = addAnimatedLook(options, size, format, *stages);

@@ -12,8 +12,8 @@ class RenderTextureChain;
 
 namespace zvfx {
 
-/// Makes the chain of the effects that were asked for: smoothing, HSV, whitening, colour table, animated
-/// look, in this order. Each stage is named as its option.
+/// Makes the chain of the effects that were asked for: smoothing, HSV, whitening, colour table, what
+/// works on faces, animated look. Each stage is named as its option.
 /// @param channels 3 or 4 of the output
 /// @param resources folder that holds zv_res
 /// @param chain the chain, autoreleased; null when no effect was asked for

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "effects/FaceShapeNode.h"
 #include "zvfx/VideoFiles.h"
 
 namespace zvfx {
@@ -33,7 +34,8 @@ constexpr const char* kExamples =
     "  zvfx photo.png -o vivid.png --hsv 1,1.4,1           stronger colours\n"
     "  zvfx photo.png -o fun.png --sticker hat --sticker glasses --faces photo.jsonl\n"
     "                                                      stickers, on the faces of a track\n"
-    "  zvfx photo.png -o grey.png --hsv 1,0,1              no colours\n"
+    "  zvfx photo.png -o wide.png --shape eyes=0.5 --face-smooth 0.6 --faces auto\n"
+    "                                                      larger eyes, smoother faces\n"
     "  zvfx clip.mp4 -o fair.mp4 --smooth 0.6              a video; its sound comes along\n"
     "  ffmpeg -i clip.mp4 -f yuv4mpegpipe - | zvfx - -o - --lut film | ffplay -\n"
     "                                                      Y4M through pipes\n"
@@ -102,6 +104,25 @@ std::string parseAmount(std::string_view text, const char* option, float most, s
                ", not \"" + std::string(text) + "\"";
     }
     amount = read;
+    return {};
+}
+
+/// NAME=VALUE of each.
+std::string parseShapes(const std::vector<std::string>& texts, std::vector<std::pair<int, float>>& shapes) {
+    for (const std::string& text : texts) {
+        const std::size_t equals = text.find('=');
+        const int type = zv::FaceShapeNode::getTypeByName(text.substr(0, equals));
+        std::string_view rest(text);
+        rest.remove_prefix(equals == std::string::npos ? text.size() : equals + 1);
+        float value{};
+        if (type < 0 || !takeNumber(rest, '\0', value) || !(std::abs(value) <= 1)) {
+            return "--shape takes eyes, slim, chin, short, nose, mouth or forehead with a number from -1 to "
+                   "1, "
+                   "for example eyes=0.5, not \"" +
+                   text + "\"";
+        }
+        shapes.emplace_back(type, value);
+    }
     return {};
 }
 
@@ -199,6 +220,8 @@ struct Texts {
     std::string hsv;
     std::string whiten;
     std::string lut;
+    std::string faceSmooth;
+    std::vector<std::string> shapes;
     std::string matrix;
     std::string gl = "core";
     std::string frames;
@@ -238,6 +261,13 @@ void declare(CLI::App& app, Options& options, Texts& texts) {
         ->type_name("FILE[,A]");
     app.add_option("--hsv", texts.hsv, "multiply hue, saturation and value; 1,1,1 changes nothing")
         ->type_name("H,S,V");
+    app.add_option("--face-smooth", texts.faceSmooth, "smooth faces only: 0 to 1; comes with --faces auto")
+        ->type_name("A");
+    app.add_option("--shape", texts.shapes,
+                   "reshape faces by -1 to 1: eyes, slim, chin, short, nose, mouth, forehead; repeat it for "
+                   "more; comes with --faces auto")
+        ->type_name("NAME=V")
+        ->allow_extra_args(false);
     app.add_option("--effect", options.effect,
                    "an animated look over all the others: 70s, graffiti, jitter or soul; --frames N tells "
                    "which frame of it a .png shows")
@@ -293,6 +323,15 @@ std::string interpret(const CLI::App& app, const Texts& texts, Options& options)
     }
     if (given("--hsv")) {
         wrong = parseHsv(texts.hsv, options.hsv);
+    }
+    if (given("--face-smooth")) {
+        wrong = parseAmount(texts.faceSmooth, "--face-smooth", 1.0F, options.faceSmooth);
+    }
+    if (given("--shape")) {
+        wrong = parseShapes(texts.shapes, options.shapes);
+    }
+    if (wrong.empty() && options.needsFaces() && !options.findsFaces()) {
+        wrong = "--shape and --face-smooth work on the faces that --faces auto finds: give it as well";
     }
     if (given("--matrix")) {
         wrong = parseMatrix(texts.matrix, options.matrix);

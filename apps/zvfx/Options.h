@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zvfx/VideoFrame.h"
@@ -34,7 +35,10 @@ struct Options {
     std::optional<Hsv> hsv;
     std::optional<float> whiten;  ///< 0 to 1
     std::optional<Lut> lut;
-    std::string effect;                 ///< 70s, graffiti, jitter or soul; empty: none
+    std::optional<float> faceSmooth;            ///< smoothing of faces only, 0 to 1
+    std::vector<std::pair<int, float>> shapes;  ///< what of a face is reshaped, a zv::FaceShapeType, and how
+                                                ///< much, -1 to 1
+    std::string effect;                         ///< 70s, graffiti, jitter or soul; empty: none
     std::vector<std::string> stickers;  ///< as given: folders, or bare names of those in zv_res/stickers
     std::string faces;                  ///< absolute path of the face track, or "auto"; empty: none
     bool debugFaces = false;            ///< whether the points and outlines of the faces are drawn
@@ -49,7 +53,8 @@ struct Options {
     bool toStandardOutput() const { return output == "-"; }
     bool findsFaces() const { return faces == "auto"; }
     bool changesPicture() const { return hasEffects() || !stickers.empty() || debugFaces; }
-    bool hasEffects() const { return smooth || hsv || whiten || lut || !effect.empty(); }
+    bool needsFaces() const { return faceSmooth || !shapes.empty(); }
+    bool hasEffects() const { return smooth || hsv || whiten || lut || needsFaces() || !effect.empty(); }
 };
 
 /// How parsing ended.

@@ -49,7 +49,9 @@ std::string findResources(const std::string& given, std::string& folder) {
     for (const auto& candidate :
          {program / "res", program / ".." / ZVFX_INSTALLED_RES, std::filesystem::u8path(ZVFX_SOURCE_RES)}) {
         if (hasShaders(candidate)) {
-            folder = candidate.lexically_normal().generic_u8string();
+            // On Windows a path from the build's own shell has no drive yet.
+            std::error_code error;
+            folder = std::filesystem::absolute(candidate, error).lexically_normal().generic_u8string();
             return {};
         }
     }
