@@ -246,6 +246,9 @@ def make_page(folder):
     page.section("clips", "Clips", "The same effects on moving pictures.", "", clip_figures(page))
     page.section("stickers", "Stickers", "Animated models, drawn on a face or over the whole picture.", "",
                  [page.plain(path.name, titled(path), path.name) for path in sorted(folder.glob("sticker*.png"))])
+    page.section("faces", "Faces", "What zorvik-face makes of a picture: stickers that find their face, smoothing "
+                 "within the face, reshaping.", "",
+                 [page.plain(path.name, titled(path), path.name) for path in sorted(folder.glob("face-*.png"))])
     page.section("details", "Details", "What must not break on the way, and what a face track holds.", "small",
                  [page.contained(*row) for row in DETAILS])
     page.section("sheets", "Sheets", "The same at a glance; click for the full size.", "sheets",
