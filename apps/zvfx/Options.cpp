@@ -228,24 +228,8 @@ struct Texts {
     std::string fps;
 };
 
-void declare(CLI::App& app, Options& options, Texts& texts) {
-    app.footer(kExamples);
-    // A path may begin with a slash.
-    app.allow_windows_style_options(false);
-    app.get_formatter()->label("REQUIRED", "");
-    app.set_help_flag("-h,--help", "print this text");
-    app.set_version_flag("--version", "zvfx " ZVFX_VERSION, "print the version");
-    app.add_option(
-           "INPUT", options.input,
-           "a picture (.png, .bmp or .jpg), a .y4m video, - for Y4M on standard input, or a video file "
-           "of any other kind")
-        ->required()
-        ->type_name("");
-    app.add_option("-o,--output", options.output,
-                   "where it goes: a .png picture, a .y4m or .yuv (raw I420) video, - for Y4M on standard "
-                   "output, or a video file of the kind that its name says")
-        ->required()
-        ->type_name("OUTPUT");
+/// The options that change the picture.
+void declareEffects(CLI::App& app, Options& options, Texts& texts) {
     app.add_option("--size", texts.size, "size of the output in pixels (default: the input's)")
         ->type_name("WxH");
     app.add_option("--smooth", texts.smooth, "smooth skin: 0 (not at all) to 1; 0.6 looks natural")
@@ -283,6 +267,27 @@ void declare(CLI::App& app, Options& options, Texts& texts) {
         ->type_name("auto|FILE");
     app.add_flag("--debug-faces", options.debugFaces,
                  "draw the points, outlines and axes of the faces over everything else");
+}
+
+void declare(CLI::App& app, Options& options, Texts& texts) {
+    app.footer(kExamples);
+    // A path may begin with a slash.
+    app.allow_windows_style_options(false);
+    app.get_formatter()->label("REQUIRED", "");
+    app.set_help_flag("-h,--help", "print this text");
+    app.set_version_flag("--version", "zvfx " ZVFX_VERSION, "print the version");
+    app.add_option(
+           "INPUT", options.input,
+           "a picture (.png, .bmp or .jpg), a .y4m video, - for Y4M on standard input, or a video file "
+           "of any other kind")
+        ->required()
+        ->type_name("");
+    app.add_option("-o,--output", options.output,
+                   "where it goes: a .png picture, a .y4m or .yuv (raw I420) video, - for Y4M on standard "
+                   "output, or a video file of the kind that its name says")
+        ->required()
+        ->type_name("OUTPUT");
+    declareEffects(app, options, texts);
     app.add_option("--matrix", texts.matrix,
                    "how YUV is read and written: 601, 601-full or 709 (default: as the input says, else 601)")
         ->type_name("M");
