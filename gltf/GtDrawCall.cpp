@@ -49,7 +49,8 @@ bool isKnownKind(unsigned int kind) {
 
 /// How many elements of a stream lie wholly inside the view.
 std::uint64_t elementsInside(const GtBufferView& view, const GtDrawCall::Attribute& attribute) {
-    const auto size = static_cast<std::uint64_t>(attribute.components * getGLEnumTypeSize(attribute.type));
+    const auto size = static_cast<std::uint64_t>(attribute.components) *
+                      static_cast<std::uint64_t>(getGLEnumTypeSize(attribute.type));
     const std::uint64_t stride = attribute.stride != 0 ? static_cast<std::uint64_t>(attribute.stride) : size;
     const std::uint64_t first = attribute.offset + size;
     return first > view.byteLength ? 0 : (view.byteLength - first) / stride + 1;

@@ -82,7 +82,7 @@ public:
     std::string finish() override { return named(mWriter.finish()); }
 
 private:
-    std::string named(std::string wrong) const { return wrong.empty() ? wrong : mName + " " + wrong; }
+    std::string named(const std::string& wrong) const { return wrong.empty() ? wrong : mName + " " + wrong; }
 
     std::string mName;
     std::unique_ptr<FileWriter> mFile;

@@ -42,7 +42,7 @@ FrameLayout FrameLayout::tight(int width, int height, Chroma chroma) {
 }
 
 FrameLayout FrameLayout::packed420(int width, int height) {
-    const std::ptrdiff_t stride = (evenUp(width) + 3) / 4 * 4;
+    const std::ptrdiff_t stride = (static_cast<std::ptrdiff_t>(evenUp(width)) + 3) / 4 * 4;
     const std::ptrdiff_t luma = stride * evenUp(height);
     const int w = half(width);
     const int h = half(height);
