@@ -45,9 +45,20 @@ GetApiBase findEntry() {
 
 #else
 
+/// Beside this library first, then where the system looks. The path is spelled out since a sanitizer stands
+/// between this library and the loader, which then would not know whose run path to follow.
 GetApiBase findEntry() {
-    void* library =
-        dlopen("libonnxruntime.so.1", RTLD_NOW | RTLD_LOCAL);  // this library's run path comes first
+    constexpr char kName[] = "libonnxruntime.so.1";
+    Dl_info self{};
+    void* library = nullptr;
+    if (dladdr(reinterpret_cast<const void*>(&findEntry), &self) != 0 && self.dli_fname != nullptr) {
+        std::string beside(self.dli_fname);
+        beside.resize(beside.find_last_of('/') + 1);
+        library = dlopen((beside + kName).c_str(), RTLD_NOW | RTLD_LOCAL);
+    }
+    if (library == nullptr) {
+        library = dlopen(kName, RTLD_NOW | RTLD_LOCAL);
+    }
     return library != nullptr ? reinterpret_cast<GetApiBase>(dlsym(library, "OrtGetApiBase")) : nullptr;
 }
 

@@ -132,12 +132,12 @@ TEST_F(StylisedPicture, GraffitiPaintsTheStrokesOfTheStepUprightAndShaken) {
     }
 }
 
-class StylisedLookPicture : public StylisedTest, public testing::WithParamInterface<Look> {};
+class StylisedLookPicture : public StylisedTest, public testing::WithParamInterface<StylisedLook> {};
 
 // The same bytes a cycle later and from another node, no flicker, no jump where the cycle starts again, and
 // the same look at twice the size.
 TEST_P(StylisedLookPicture, RepeatsWithItsCycleHoldsItsBrightnessAndFollowsThePicturesSize) {
-    const Look& look = GetParam();
+    const StylisedLook& look = GetParam();
     const Picture picture = waves(640, 360);
     std::vector<Picture> first;
     startLook(look, picture);

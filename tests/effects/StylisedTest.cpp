@@ -5,7 +5,7 @@
 
 namespace zv::test {
 
-class StylisedLookTest : public StylisedTest, public testing::WithParamInterface<Look> {};
+class StylisedLookTest : public StylisedTest, public testing::WithParamInterface<StylisedLook> {};
 
 // Steps are draws. A chain draws a member once a frame, wherever it stands and whether or not the engine also
 // draws to the screen from the last render texture; showing the chain's own output there draws it again.

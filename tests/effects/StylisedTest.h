@@ -29,7 +29,7 @@ private:
     int* mSteps = nullptr;
 };
 
-struct Look {
+struct StylisedLook {
     const char* name;
     RenderTexture* (*make)(const Size16& size, int* steps);
     int cycle;
@@ -37,15 +37,15 @@ struct Look {
     std::size_t legacyCalls;  ///< the same without vertex arrays
 };
 
-inline const Look kLooks[] = {{"70s", Counted<Effect70SNode>::make, 100, 10, 15},
-                              {"Graffiti", Counted<GraffitiNode>::make, 140, 16, 160},
-                              {"Jitter", Counted<JitterNode>::make, 15, 10, 15},
-                              {"SoulStuff", Counted<SoulstuffNode>::make, 17, 10, 15}};
+inline const StylisedLook kLooks[] = {{"70s", Counted<Effect70SNode>::make, 100, 10, 15},
+                                      {"Graffiti", Counted<GraffitiNode>::make, 140, 16, 160},
+                                      {"Jitter", Counted<JitterNode>::make, 15, 10, 15},
+                                      {"SoulStuff", Counted<SoulstuffNode>::make, 17, 10, 15}};
 
 /// One effect between an input and an RGBA output.
 class StylisedTest : public BeautyTest {
 protected:
-    void startLook(const Look& look, const Picture& picture) {
+    void startLook(const StylisedLook& look, const Picture& picture) {
         start(makeSprite(picture), sizeOf(picture));
         stage = look.make(sizeOf(picture), &steps);
         chain->add(stage, true, false);
