@@ -9,7 +9,7 @@ namespace zv::soak {
 struct Census {
     static constexpr std::array<const char*, 6> kKinds = {"textures", "buffers",        "frame buffers",
                                                           "programs", "render buffers", "vertex arrays"};
-    long residentKib = 0;
+    long residentKib = 0;  ///< 0 under a sanitizer
     int openFiles = 0;
     std::array<int, 6> objects{};  ///< of the GL context that is current, by kind
 
