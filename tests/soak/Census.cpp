@@ -40,7 +40,7 @@ GLuint newProgramName() {
 }
 
 /// 0 under a sanitizer, which keeps freed memory back on purpose and reports leaks itself.
-long residentKib() {
+long measureResidentKib() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return 0;
 #else
@@ -57,7 +57,7 @@ long residentKib() {
 
 Census Census::take() {
     Census census;
-    census.residentKib = residentKib();
+    census.residentKib = measureResidentKib();
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         // The driver's cache opens files at times of its own.
         std::error_code error;
