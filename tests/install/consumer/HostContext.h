@@ -40,8 +40,8 @@ public:
         DestroyWindow(mWindow);
 #else
         eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        // The display stays until the process ends: a driver that is unloaded loses track of its own memory.
         eglDestroyContext(mDisplay, mContext);
-        eglTerminate(mDisplay);
 #endif
     }
 
