@@ -34,7 +34,7 @@ work=$(mktemp -d "$cache/face-deps.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
 say "fetching $package $version, 150 MB"
-(cd "$work" && npm pack --silent --no-update-notifier "$package@$version" >/dev/null)
+(cd "$work" && npm pack --loglevel=error --no-update-notifier "$package@$version" >/dev/null)
 archive=$(echo "$work"/*.tgz)
 if ! printf '%s  %s\n' "$sha256" "$archive" | sha256sum --check --status; then
     say "the archive is not the one expected: $(sha256sum <"$archive" | cut -d' ' -f1)"
