@@ -16,7 +16,7 @@ class MeanBlurEffect;
 ///   What else is put into the front scene is blurred with it, but not seen by the last pass.
 /// - Output: its own texture holds the blurred measure. The smoothed picture appears where the node is drawn,
 ///   at that size; alpha is that of the input's texture.
-/// - Cost: five passes at half size and the last one at full size, 11.5 fetches a pixel of the full size in
+/// - Cost: five passes at half size and the last one at full size, 10.5 fetches a pixel of the full size in
 ///   all (15 more where a spot may be), four targets of half size. Its own one is of full size after a
 ///   resetSize(), by design.
 /// - State: the input is drawn with a program of this stage for as long as it is the input.

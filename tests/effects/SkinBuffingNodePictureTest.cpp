@@ -239,6 +239,16 @@ TEST_F(SkinBuffingNodePicture, StrengthIsCutToItsRangeAndNothingLeavesThePicture
     const Picture sharpened = shown(random, 3.0F, 2.0F);
     expectNear(sharpened, random, 5, 4.0, "skin-random");
     EXPECT_NE(sharpened, random);
+    // Sharpening looks one texel far, to every side.
+    Picture dot(240, 150, {60, 60, 60, 255});
+    dot.set(120, 75, {200, 200, 200, 255});
+    const Picture seen = shown(dot, 1.0F, 2.0F);
+    for (int place = 0; place < 240 * 150; ++place) {
+        const int x = place % 240, y = place / 240, across = std::abs(x - 120), down = std::abs(y - 75);
+        if (across * down != 1) {  // a corner may change or not
+            ASSERT_EQ(seen.at(x, y) != dot.at(x, y), across + down <= 1) << x << ", " << y;
+        }
+    }
 }
 
 // Side by side, all pairs of colours that pictures of people have; a halo would go beyond both sides.

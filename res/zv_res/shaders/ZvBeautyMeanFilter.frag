@@ -18,24 +18,25 @@ varying vec2 v_texcoord1;
 const float DEVIATION_SCALE = 4.0;
 const vec3 LUMA = vec3(0.299, 0.587, 0.114);
 
-// 1 for skin colour, 0 for anything else, soft between. Only chroma relative to luma counts, so light, dark and dimly
-// lit skin give the same answer:  r = (R - luma) / luma,  b = (luma - B) / luma
+// 1 for skin colour, 0 for anything else, soft between: the least of the ramps below, eased at its ends. Only chroma
+// relative to luma counts, so light, dark and dimly lit skin give the same answer:
+//   r = (R - luma) / luma,  b = (luma - B) / luma
 //   r from 0.04..0.08 up to 0.42..0.60   (a dark pixel needs up to 0.045 more: dark greys and black hair are no skin)
 //   b from 0.03..0.07 up                 (greys, whites, blues, purples out)
 //   1.6 b - r up to 0.35..0.51           (yellow-brown hair, sand, foliage out)
 //   r - b up to 0.04..0.09               (lips, red cloth out)
+//   luma from 0.02..0.06 up
 float skinLikeness(vec3 color)
 {
     float luma = dot(color, LUMA);
     float scale = 1.0 / (luma + 0.01);
     float r = (color.r - luma) * scale;
     float b = (luma - color.b) * scale;
-    float red = r - 0.045 * (1.0 - smoothstep(0.10, 0.35, luma));
-    return smoothstep(0.04, 0.08, red) * (1.0 - smoothstep(0.42, 0.60, r))
-        * smoothstep(0.03, 0.07, b)
-        * (1.0 - smoothstep(0.35, 0.51, 1.6 * b - r))
-        * (1.0 - smoothstep(0.04, 0.09, r - b))
-        * smoothstep(0.02, 0.06, luma);
+    float darkness = clamp((0.35 - luma) / 0.25, 0.0, 1.0);
+    float least = min((r - 0.04 - 0.045 * darkness) / 0.04, (0.60 - r) / 0.18);
+    least = min(least, min((b - 0.03) / 0.04, (0.51 + r - 1.6 * b) / 0.16));
+    least = min(least, min((0.09 + b - r) / 0.05, (luma - 0.02) / 0.04));
+    return smoothstep(0.0, 1.0, least);
 }
 
 void main()
@@ -45,7 +46,7 @@ void main()
     float meanLuma = dot(mean, LUMA);
     float luma = dot(color, LUMA);
 
-    float highlight = skinLikeness(mean) * smoothstep(0.84, 0.95, luma) * smoothstep(0.0, 0.05, luma - meanLuma);
+    float highlight = skinLikeness(mean) * clamp(min((luma - 0.84) / 0.11, (luma - meanLuma) / 0.05), 0.0, 1.0);
     float weight = max(skinLikeness(color), highlight) * smoothstep(0.60, 0.82, luma / max(meanLuma, 0.02));
     float deviation = min(abs(luma - meanLuma) * DEVIATION_SCALE, 1.0);
     gl_FragColor = vec4(weight * deviation, weight * luma, weight, 1.0);
