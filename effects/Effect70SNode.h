@@ -16,7 +16,7 @@ namespace zv {
 /// what ZVMediaEngine::setRenderToScreen() shows a second time plays twice as fast.
 /// - Input: what is in the front scene, any format; upright, as scan lines are horizontal.
 /// - Output: the size and format it was made with; alpha moves with the picture.
-/// - Cost: one pass at full size, one target; 9 fetches a pixel.
+/// - Cost: one pass at full size, one target; 6 fetches a pixel.
 /// - State: leaves its program in use.
 /// - Setters: none. Time is the count of draws, not the clock, so that the same run gives the same frames.
 class ZV_API Effect70SNode : public RenderTexture {

@@ -20,7 +20,7 @@ class RenderState;
 /// stands; what ZVMediaEngine::setRenderToScreen() shows a second time plays twice as fast.
 /// - Input: what is in the front scene, any format; upright, as the drawing has a top.
 /// - Output: the size and format it was made with; alpha shakes with the drawing.
-/// - Cost: one pass at full size and up to 28 strokes on top, one target; 9 fetches a pixel. The strokes are
+/// - Cost: one pass at full size and up to 28 strokes on top, one target; 7 fetches a pixel. The strokes are
 ///   one multi-draw where the context has vertex arrays, a draw each where it has not.
 /// - State: leaves its program in use. The strokes are blended with the node's blend function, as the picture
 ///   is. They stay where they are: flip, rotation and shown rectangle of the node turn the picture only.

@@ -11,7 +11,7 @@ namespace zv {
 /// the factors act when the node itself is drawn, by the next stage or on the screen.
 /// - Input: what is in the front scene, any format, any orientation.
 /// - Output: the size and format it was made with; alpha passes through.
-/// - Cost: one pass at full size, one target.
+/// - Cost: one pass at full size, one target; 1 fetch a pixel.
 /// - State: leaves its program in use; each setter also makes its program the one in use.
 /// - Setters: see each; all take effect at once, and need the GL context current. Values go to the shader as
 ///   given; the default of all three is 1, which leaves the picture as it is.

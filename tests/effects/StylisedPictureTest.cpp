@@ -132,6 +132,40 @@ TEST_F(StylisedPicture, GraffitiPaintsTheStrokesOfTheStepUprightAndShaken) {
     }
 }
 
+// An outline is as bold whichever way it runs; colour reaches further to the right of a disc than to its
+// left.
+TEST_F(StylisedPicture, GraffitiOutlinesADiscEvenlyAndThe70sBleedItsColourToTheRight) {
+    const auto disc = [](Pixel inside, Pixel ground) {
+        return Picture::make(
+            640, 360, [=](int x, int y) { return std::hypot(x - 319.5, y - 149.5) < 90 ? inside : ground; });
+    };
+    startLook(kLooks[1], disc({255, 255, 255, 255}, {150, 150, 150, 255}));
+    const Picture drawing = next();
+    std::array<int, 16> ink{};
+    for (int y = 50; y < 250; ++y) {
+        for (int x = 220; x < 420; ++x) {
+            const double turn = std::atan2(y - 149.5, x - 319.5) / 6.2831853 + 0.5;
+            ink[static_cast<std::size_t>(turn * 16) % 16] += drawing.at(x, y)[0] < 128;
+        }
+    }
+    const auto [least, most] = std::minmax_element(ink.begin(), ink.end());
+    EXPECT_GT(*least, 60) << "at least two pixels wide";
+    EXPECT_LE(*most, 1.2 * *least);
+
+    startLook(kLooks[0], disc({230, 40, 40, 255}, {128, 128, 128, 255}));
+    const Picture faded = next();
+    const auto colourOf = [&](int x) {  // mean red over blue of 3 x 24 pixels: grain and lines even out
+        const Picture block = faded.cropped(x - 1, 138, 3, 24);
+        double sum = 0;
+        for (std::size_t i = 0; i < block.rgba.size(); i += 4)
+            sum += block.rgba[i] - block.rgba[i + 2];
+        return sum / (0.25 * static_cast<double>(block.rgba.size()));
+    };
+    const double ground = colourOf(60), full = colourOf(320) - ground;
+    EXPECT_LT(colourOf(320 - 90 - 7) - ground, 0.05 * full);
+    EXPECT_GT(colourOf(320 + 90 + 5) - ground, 0.15 * full);
+}
+
 class StylisedLookPicture : public StylisedTest, public testing::WithParamInterface<StylisedLook> {};
 
 // The same bytes a cycle later and from another node, no flicker, no jump where the cycle starts again, and

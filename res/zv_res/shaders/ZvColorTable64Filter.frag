@@ -2,8 +2,8 @@
 // Layout: 16 levels a channel; one tile of 16 x 16 for each level of blue, 4 x 4 tiles in reading order from
 // the first row on; in a tile red rises to the right and green row by row. Level i of a channel stands for
 // i / LAST. Between levels the colour is interpolated linearly along all three channels:
-//   level  = picture * LAST        low = floor(level)        high = min(low + 1, LAST)
-//   colour = the eight entries at (low or high of r, g, b), weighted with fract(level)
+//   level  = picture * LAST        low = min(floor(level), LAST - 1)        part = level - low
+//   colour = the eight entries at (low or low + 1 of r, g, b), each weighted with part or 1 - part
 //   result = mix(picture, colour, intensity)
 // An identity table gives back every 8-bit colour: its entries are exact, 17 steps apart.
 // Fetches: 1 of the picture, 8 of the table, each in the middle of a texel, which any filter answers with just that
@@ -23,32 +23,32 @@ varying vec2 v_texcoord;
 const float SIDE = 16.0;
 const float TILES = 4.0;
 const float LAST = SIDE - 1.0;
+const float TEXEL = 1.0 / (SIDE * TILES);
 
-vec3 entry(vec2 texel)
-{
-    vec2 place = (texel + 0.5) / (SIDE * TILES);
-    // The difference counts the rows from the other end.
-    return texture2D(ZV_Tex1, vec2(place.x, abs(float(image_direction) - place.y))).rgb;
-}
-
-// Interpolates along red and green in the tile of one level of blue.
-vec3 tileColor(vec2 low, vec2 high, float blue, vec2 part)
+// The four entries around a place in the tile of one level of blue.
+vec3 tileColor(vec2 low, float blue, vec4 weights)
 {
     float row = floor(blue / TILES);
-    vec2 tile = vec2(blue - row * TILES, row) * SIDE;
-    low += tile;
-    high += tile;
-    return mix(mix(entry(low), entry(vec2(high.x, low.y)), part.x),
-               mix(entry(vec2(low.x, high.y)), entry(high), part.x), part.y);
+    vec2 place = (low + vec2(blue - row * TILES, row) * SIDE + 0.5) * TEXEL;
+    // With 1 the rows are counted from the other end.
+    float direction = float(image_direction);
+    place.y = abs(direction - place.y);
+    vec2 next = vec2(TEXEL, TEXEL - 2.0 * TEXEL * direction);
+    return texture2D(ZV_Tex1, place).rgb * weights.x
+        + texture2D(ZV_Tex1, vec2(place.x + next.x, place.y)).rgb * weights.y
+        + texture2D(ZV_Tex1, vec2(place.x, place.y + next.y)).rgb * weights.z
+        + texture2D(ZV_Tex1, place + next).rgb * weights.w;
 }
 
 vec3 tableColor(vec3 color)
 {
     vec3 level = color * LAST;
-    vec3 low = floor(level);
-    vec3 high = min(low + 1.0, LAST);
+    vec3 low = min(floor(level), LAST - 1.0);
     vec3 part = level - low;
-    return mix(tileColor(low.rg, high.rg, low.b, part.rg), tileColor(low.rg, high.rg, high.b, part.rg), part.b);
+    vec2 rest = 1.0 - part.rg;
+    vec4 weights = vec4(rest.r, part.r, rest.r, part.r) * vec4(rest.gg, part.gg);
+    vec4 upper = weights * part.b;
+    return tileColor(low.rg, low.b, weights - upper) + tileColor(low.rg, low.b + 1.0, upper);
 }
 
 void main()

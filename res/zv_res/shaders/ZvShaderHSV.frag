@@ -6,33 +6,29 @@
 //   hue        = (g - b) / chroma             where r is largest (in sixths of a turn, 0 to 6; greys have
 //                (b - r) / chroma + 2         where g is          none)
 //                (r - g) / chroma + 4         where b is
-// and back, for each channel with its own offset (0, 4, 2 sixths for r, g, b):
-//   channel    = value * (1 - saturation * (1 - clamp(|(hue + offset) mod 6 - 3| - 1, 0, 1)))
+// and back, as what each channel lacks of the value:
+//   (r, g, b)  = value * (1 - saturation * clamp((2 - |hue - 3|, |hue - 2| - 1, |hue - 4| - 1), 0, 1))
 // The scaled hue wraps around; scaled saturation and value are cut to 0..1. Nothing is ever divided by 0.
 // Uniforms:
 //   u_hsv_adjust: factors of hue, saturation and value; any finite numbers, (1, 1, 1) changes nothing.
-// ZV_Tex0: the picture.
+// ZV_Tex0: the picture. Cost: 1 fetch.
 uniform sampler2D ZV_Tex0;
 uniform vec3 u_hsv_adjust;
 
 varying vec2 v_texcoord;
 
 const float SIXTHS = 6.0;
-const vec3 OFFSETS = vec3(0.0, 4.0, 2.0);
 
-// Hue in sixths of a turn, 0 to 6; only for chroma above 0.
+// In place of 0 as a divisor; far below any step of a picture.
+const float TINY = 1.0e-20;
+
+// Hue in sixths of a turn, 0 to 6; 0 for greys.
 float hueOf(vec3 color, float value, float chroma)
 {
-    if (color.r == value)
-    {
-        float hue = (color.g - color.b) / chroma;
-        return hue < 0.0 ? hue + SIXTHS : hue;
-    }
-    if (color.g == value)
-    {
-        return (color.b - color.r) / chroma + 2.0;
-    }
-    return (color.r - color.g) / chroma + 4.0;
+    float scale = 1.0 / max(chroma, TINY);
+    float red = (color.g - color.b) * scale;
+    float others = color.g == value ? (color.b - color.r) * scale + 2.0 : (color.r - color.g) * scale + 4.0;
+    return color.r == value ? (red < 0.0 ? red + SIXTHS : red) : others;
 }
 
 void main()
@@ -42,15 +38,11 @@ void main()
 
     float value = max(color.r, max(color.g, color.b));
     float chroma = value - min(color.r, min(color.g, color.b));
-    float hue = 0.0;
-    float saturation = 0.0;
-    if (chroma > 0.0)
-    {
-        hue = mod(hueOf(color, value, chroma) * u_hsv_adjust.x, SIXTHS);
-        saturation = clamp(chroma / value * u_hsv_adjust.y, 0.0, 1.0);
-    }
+    float hue = mod(hueOf(color, value, chroma) * u_hsv_adjust.x, SIXTHS);
+    float saturation = clamp(chroma / max(value, TINY) * u_hsv_adjust.y, 0.0, 1.0);
     value = clamp(value * u_hsv_adjust.z, 0.0, 1.0);
 
-    vec3 ramp = clamp(abs(mod(vec3(hue) + OFFSETS, SIXTHS) - 3.0) - 1.0, 0.0, 1.0);
-    gl_FragColor = vec4(value * (vec3(1.0) - saturation * (vec3(1.0) - ramp)), picture.a);
+    vec3 away = abs(vec3(hue) - vec3(3.0, 2.0, 4.0));
+    vec3 lack = clamp(vec3(2.0 - away.r, away.gb - 1.0), 0.0, 1.0);
+    gl_FragColor = vec4(vec3(value) - value * saturation * lack, picture.a);
 }
