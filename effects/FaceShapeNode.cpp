@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 #include "core/RefCreate.h"
@@ -101,23 +102,62 @@ void FaceShapeNode::updateMesh() {
     }
 }
 
-void FaceShapeNode::fillMesh() {
+/// The displacements of all faces, one after another.
+struct FaceShapeNode::Warps {
     std::array<FaceWarp, FaceInput::kMostFaces> warps;
     std::array<FaceArea, FaceInput::kMostFaces> areas;
     std::size_t count = 0;
+
+    Vec2f sourceOf(Vec2f pixel) const {
+        for (std::size_t i = 0; i < count; ++i) {
+            if (areas[i].holds(pixel)) {
+                pixel = warps[i].sourceOf(pixel);
+            }
+        }
+        return pixel;
+    }
+};
+
+void FaceShapeNode::gather(Warps& warps) const {
     for (std::size_t i = 0; i < mFaces->count(); ++i) {
         FaceGeometry face;
-        if (face.set((*mFaces)[i]) && warps[count].set(face, mValues.data())) {
-            warps[count].keepBorder(getSize(), mClipEdge);
-            areas[count] = warps[count].area();
-            ++count;
+        FaceWarp& warp = warps.warps[warps.count];
+        if (face.set((*mFaces)[i]) && warp.set(face, mValues.data())) {
+            warp.keepBorder(getSize(), mClipEdge);
+            warps.areas[warps.count++] = warp.area();
         }
     }
+}
+
+void FaceShapeNode::movePlaces(Vec2f* places, std::size_t count) const {
+    constexpr int kMostSteps = 60;
+    constexpr float kNear = 0.01F;  // pixels
+    // Along its line a field moves the source by up to three times what the place moves: larger steps swing.
+    constexpr float kStep = 0.6F;
+    Warps warps;
+    gather(warps);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Vec2f wanted = places[i];
+        Vec2f& place = places[i];
+        for (int step = 0; step < kMostSteps; ++step) {
+            const Vec2f source = warps.sourceOf(place);
+            const Vec2f off(wanted.x - source.x, wanted.y - source.y);
+            if (std::abs(off.x) < kNear && std::abs(off.y) < kNear) {
+                break;
+            }
+            place = {place.x + kStep * off.x, place.y + kStep * off.y};
+        }
+    }
+}
+
+void FaceShapeNode::fillMesh() {
+    Warps warps;
+    gather(warps);
     mMesh.clear();
-    if (count == 0) {
+    if (warps.count == 0) {
         return;
     }
-    mGrid->lay(getSize(), areas.data(), count);
+    mGrid->lay(getSize(), warps.areas.data(), warps.count);
     const Vec2f size(static_cast<float>(getSize().x), static_cast<float>(getSize().y));
     const Vec2f origin = mSource.corners[0];
     const Vec2f across(mSource.corners[1].x - origin.x, mSource.corners[1].y - origin.y);
@@ -125,11 +165,7 @@ void FaceShapeNode::fillMesh() {
     mGrid->strip(mMesh, [&](Vec2f pixel) {
         V2F_T2F vertex;
         vertex.vertices = {2.0F * (pixel.x / size.x) - 1.0F, 2.0F * (pixel.y / size.y) - 1.0F};
-        for (std::size_t i = 0; i < count; ++i) {
-            if (areas[i].holds(pixel)) {
-                pixel = warps[i].sourceOf(pixel);
-            }
-        }
+        pixel = warps.sourceOf(pixel);
         const Vec2f part(pixel.x / size.x, pixel.y / size.y);
         vertex.texCoords = {origin.x + part.x * across.x + part.y * up.x,
                             origin.y + part.x * across.y + part.y * up.y};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -76,6 +77,11 @@ public:
     /// that do not use the media engine's face business.
     void updateFaceLandmarks(kel_algorithm::AlgLandmarksList& faces);
 
+    /// Moves places of the picture to where the node shows them, for what is drawn over reshaped faces; as
+    /// the latest faces and the values are, to a hundredth of a pixel.
+    /// @param places in pixels of this node's picture, origin bottom left
+    void movePlaces(Vec2f* places, std::size_t count) const;
+
     /// The triangle strip that the last draw used, in clip and texture coordinates; empty when the picture
     /// was drawn unchanged.
     const std::vector<V2F_T2F>& getMesh() const { return mMesh; }
@@ -99,7 +105,10 @@ private:
         bool operator==(const MeshSource& other) const;
     };
 
+    struct Warps;
+
     bool isActive() const;
+    void gather(Warps& warps) const;
     void updateMesh();
     void fillMesh();
     void drawMesh();

@@ -64,25 +64,46 @@ bool FaceShots::view(const FaceArea& area, int, FaceImage& image) {
 }
 
 FaceShots::FaceShots() {
+    // What most frames need, so that nothing is allocated on the way.
     mLarge.shots.resize(2);
     mSmall.shots.resize(1);
     for (Shot& shot : mLarge.shots) {
-        shot.bytes.reserve(bytesOf({kLargeSide, kLargeSide}));
+        shot.bytes.resize(bytesOf({kLargeSide, kLargeSide}));
     }
-    mSmall.shots[0].bytes.reserve(bytesOf({kSmallSide, kSmallSide}));
+    mSmall.shots[0].bytes.resize(bytesOf({kSmallSide, kSmallSide}));
 }
 
-void FaceShots::add(const FaceImage& image) {
-    Shelf& shelf = std::max(image.width, image.height) > kSmallSide ? mLarge : mSmall;
+FaceShots::Shelf& FaceShots::shelfOf(const Size16& size) {
+    return std::max(size.x, size.y) > kSmallSide ? mLarge : mSmall;
+}
+
+UniqueDataPtr<unsigned char>& FaceShots::room(const Size16& size) {
+    Shelf& shelf = shelfOf(size);
     if (shelf.count == shelf.shots.size()) {
         shelf.shots.emplace_back();
     }
+    UniqueDataPtr<unsigned char>& bytes = shelf.shots[shelf.count].bytes;
+    if (bytes.size() == 0) {
+        const unsigned short side = &shelf == &mLarge ? kLargeSide : kSmallSide;
+        bytes.resize(bytesOf({side, side}));
+    }
+    if (bytes.size() != 0) {
+        bytes.reset(bytes.get(0), bytesOf(size));  // the memory stays, whatever the count
+    }
+    return bytes;
+}
+
+const FaceImage& FaceShots::add(const Size16& size, const FaceArea& area) {
+    Shelf& shelf = shelfOf(size);
     Shot& shot = shelf.shots[shelf.count++];
-    const std::size_t row = kPixelBytes * static_cast<std::size_t>(image.width);
-    const std::size_t above = row * static_cast<std::size_t>(image.height - 1);  // the rows below the top one
-    shot.bytes.assign(image.pixels - above, image.pixels + row);
-    shot.image = image;
-    shot.image.pixels = shot.bytes.data() + above;
+    const std::size_t row = kPixelBytes * size.x;
+    shot.image = {shot.bytes.get(row * (size.y - std::size_t{1})),
+                  size.x,
+                  size.y,
+                  static_cast<int>(kPixelBytes),
+                  -static_cast<std::ptrdiff_t>(row),
+                  area};
+    return shot.image;
 }
 
 FaceCamera::FaceCamera() = default;
@@ -151,9 +172,8 @@ bool FaceCamera::prepare(Plate& plate, unsigned short side) {
     target->setScene(mScene.get());
     plate.target.set(target);
     // The first read decides how large the buffers behind it are.
-    plate.bytes.resize(bytesOf({side, side}));
-    target->getOutData(plate.bytes);
-    return plate.bytes.size() == bytesOf({side, side});
+    target->getOutData(mNothing);
+    return true;
 }
 
 bool FaceCamera::draw(Plate& plate, const FaceArea& area, int pixels) {
@@ -187,23 +207,10 @@ bool FaceCamera::draw(Plate& plate, const FaceArea& area, int pixels) {
     return true;
 }
 
-FaceImage FaceCamera::imageOf(const Plate& plate, const FaceArea& area, const Size16& size) {
-    const std::size_t row = kPixelBytes * size.x;
-    return {plate.bytes.get(row * (size.y - std::size_t{1})),
-            size.x,
-            size.y,
-            static_cast<int>(kPixelBytes),
-            -static_cast<std::ptrdiff_t>(row),
-            area};
-}
-
-/// Starts to read what is drawn, and takes what the read before has got, which was of the other size.
-void FaceCamera::startRead(Plate& plate, const Size16& finished) {
-    if (finished.x != 0 && plate.bytes.size() != bytesOf(finished)) {
-        plate.bytes.resize(bytesOf(finished));
-    }
+/// Starts to read what is drawn, and takes what the read before has got, as much as there is room for.
+void FaceCamera::read(Plate& plate, UniqueDataPtr<unsigned char>& finished) {
     const Size16 started = plate.size.x != 0 ? plate.size : Size16{1, 1};
-    plate.target.get()->getOutData(plate.bytes, started, PXFORMAT_RGBA8888);
+    plate.target.get()->getOutData(finished, started, PXFORMAT_RGBA8888);
 }
 
 bool FaceCamera::view(const FaceArea& area, int pixels, FaceImage& image) {
@@ -211,14 +218,16 @@ bool FaceCamera::view(const FaceArea& area, int pixels, FaceImage& image) {
     if (mSprite.get() == nullptr || !draw(plate, area, pixels)) {
         return false;
     }
-    startRead(plate, plate.size);
+    mShot.clear();
+    UniqueDataPtr<unsigned char>& room = mShot.room(plate.size);
+    read(plate, mNothing);
     const Size16 drawn = plate.size;
     plate.size = {0, 0};  // the second read only fetches what the first one started
-    startRead(plate, drawn);
-    if (plate.bytes.size() != bytesOf(drawn)) {
+    read(plate, room);
+    if (room.size() == 0) {
         return false;
     }
-    image = imageOf(plate, plate.area, drawn);
+    image = mShot.add(drawn, plate.area);
     return true;
 }
 
@@ -232,9 +241,10 @@ void FaceCamera::exchange(const std::vector<FaceTracker::Wish>& wishes, FaceShot
         if (plate.target.get() == nullptr || (!isDrawn && finished.x == 0)) {
             return;
         }
-        startRead(plate, finished);
-        if (finished.x != 0 && plate.bytes.size() == bytesOf(finished)) {
-            shots.add(imageOf(plate, area, finished));
+        UniqueDataPtr<unsigned char>& room = finished.x != 0 ? shots.room(finished) : mNothing;
+        read(plate, room);
+        if (room.size() != 0) {
+            shots.add(finished, area);
         }
     };
     std::size_t large = 0, small = 0;

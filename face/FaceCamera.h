@@ -23,18 +23,20 @@ public:
     /// The shot that shows the middle of the area at the finest scale.
     bool view(const FaceArea& area, int pixels, FaceImage& image) override;
 
-    /// Memory for what is added every now and then, so that later nothing is allocated on the way.
     FaceShots();
 
-    /// A copy of the image, which has four channels, its bottom row first and no gaps between rows.
-    void add(const FaceImage& image);
+    /// Memory for the next shot, of four channels, its bottom row first and no gaps between rows. Kept for
+    /// later ones; empty when there is none.
+    UniqueDataPtr<unsigned char>& room(const Size16& size);
+    /// What lies in the room handed out last is a shot of that area.
+    const FaceImage& add(const Size16& size, const FaceArea& area);
     void clear() { mLarge.count = mSmall.count = 0; }
     bool isEmpty() const { return mLarge.count + mSmall.count == 0; }
 
 private:
     struct Shot {
         FaceImage image;
-        std::vector<std::uint8_t> bytes;
+        UniqueDataPtr<unsigned char> bytes;
     };
 
     /// Shots of about one size; those behind the count are memory for later ones.
@@ -42,6 +44,8 @@ private:
         std::vector<Shot> shots;
         std::size_t count = 0;
     };
+
+    Shelf& shelfOf(const Size16& size);
 
     Shelf mLarge;
     Shelf mSmall;
@@ -77,7 +81,6 @@ private:
     /// A target for one part, read through two buffers that take turns.
     struct Plate {
         RefHolder<RenderTexture> target;
-        UniqueDataPtr<unsigned char> bytes;
         FaceArea area;
         Size16 size{0, 0};  ///< of what is drawn; 0 when nothing is
     };
@@ -86,14 +89,15 @@ private:
     bool syncSprite(Sprite& input);
     bool prepare(Plate& plate, unsigned short side);
     bool draw(Plate& plate, const FaceArea& area, int pixels);
-    void startRead(Plate& plate, const Size16& finished);
-    static FaceImage imageOf(const Plate& plate, const FaceArea& area, const Size16& size);
+    void read(Plate& plate, UniqueDataPtr<unsigned char>& finished);
 
     RefHolder<Sprite> mSprite;
     RefHolder<Scene> mScene;
     Size16 mPicture{0, 0};
     Size16 mTextureSize{0, 0};
     unsigned int mTextureTarget = 0;
+    FaceShots mShot;                        // in step
+    UniqueDataPtr<unsigned char> mNothing;  // for reads whose result is not wanted
     std::array<Plate, kLargePlates> mLarge;
     std::array<Plate, kSmallPlates> mSmall;
 };

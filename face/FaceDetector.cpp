@@ -8,7 +8,8 @@ namespace zv {
 namespace {
 
 constexpr const char* kNearFile = "zv_res/models/blazeface_front.onnx";
-constexpr const char* kFarFile = "zv_res/models/blazeface_back.onnx";
+constexpr const char* kFarFiles[2] = {"zv_res/models/blazeface_back_1.onnx",
+                                      "zv_res/models/blazeface_back_2.onnx"};
 constexpr int kNearSize = 128;
 constexpr int kFarSize = 256;
 constexpr float kLeastLogit = 0.40547F;  // a score of 0.6
@@ -51,36 +52,67 @@ float overlapOf(const FaceDetection& a, const FaceDetection& b) {
 }
 
 bool FaceDetector::load() {
-    mSize = mRange == Range::Near ? kNearSize : kFarSize;
+    const bool isNear = mRange == Range::Near;
+    mSize = isNear ? kNearSize : kFarSize;
+    mParts = mNextPart = 0;
     mCandidates.reserve(kMostCandidates);
     mBoxes.reserve(kMostCandidates);
     mTaken.reserve(kMostCandidates);
-    return mModel.load(mRange == Range::Near ? kNearFile : kFarFile, {"input", {1, 3, mSize, mSize}},
-                       {{"Identity", {1, 512, 1}},
-                        {"Identity_1", {1, 384, 1}},
-                        {"Identity_2", {1, 512, kBoxValues}},
-                        {"Identity_3", {1, 384, kBoxValues}}});
+    const FaceModel::Tensor input{"input", {1, 3, mSize, mSize}};
+    const FaceModel::Tensor between{"t141", {1, 24, 128, 128}};
+    const std::vector<FaceModel::Tensor> outputs{{"Identity", {1, 512, 1}},
+                                                 {"Identity_1", {1, 384, 1}},
+                                                 {"Identity_2", {1, 512, kBoxValues}},
+                                                 {"Identity_3", {1, 384, kBoxValues}}};
+    const bool isLoaded = isNear ? mModels[0].load(kNearFile, input, outputs)
+                                 : mModels[0].load(kFarFiles[0], input, {between}) &&
+                                       mModels[1].load(kFarFiles[1], between, outputs);
+    if (isLoaded && !isNear) {
+        mModels[1].readFrom(mModels[0]);
+    }
+    mParts = mNextPart = isLoaded ? (isNear ? 1 : 2) : 0;
+    return isLoaded;
 }
 
 void FaceDetector::detect(const FaceImage& image, const FaceRegion& square,
                           std::vector<FaceDetection>& found) {
-    if (!mModel.isLoaded()) {
-        return;
-    }
-    sampleRegion(image, square, mSize, FaceBorder::Black, 1.0F / 127.5F, -1.0F, mModel.input());
-    if (mModel.run()) {
-        collect();
-        merge(found, square);
+    begin(image, square);
+    while (!proceed(found)) {
     }
 }
 
+void FaceDetector::begin(const FaceImage& image, const FaceRegion& square) {
+    if (mParts > 0) {
+        sampleRegion(image, square, mSize, FaceBorder::Black, 1.0F / 127.5F, -1.0F, mModels[0].input());
+        mSquare = square;
+        mNextPart = 0;
+    }
+}
+
+bool FaceDetector::proceed(std::vector<FaceDetection>& found) {
+    if (mNextPart >= mParts) {
+        return true;
+    }
+    FaceModel& model = mModels[mNextPart++];
+    if (!model.run()) {
+        mNextPart = mParts;
+        return true;
+    }
+    if (mNextPart < mParts) {
+        return false;
+    }
+    collect(model);
+    merge(found);
+    return true;
+}
+
 /// Keeps the anchors that see a face, the best first.
-void FaceDetector::collect() {
+void FaceDetector::collect(const FaceModel& model) {
     mCandidates.clear();
     for (std::size_t g = 0; g < 2; ++g) {
         const Grid& grid = kGrids[g];
-        const float* scores = mModel.output(g);
-        const float* boxes = mModel.output(g + 2);
+        const float* scores = model.output(g);
+        const float* boxes = model.output(g + 2);
         const int count = grid.cells * grid.cells * grid.anchors;
         for (int i = 0; i < count && mCandidates.size() < kMostCandidates; ++i) {
             if (!(scores[i] > kLeastLogit)) {
@@ -111,7 +143,7 @@ FaceDetection FaceDetector::decode(const Anchor& anchor) const {
     return face;
 }
 
-void FaceDetector::merge(std::vector<FaceDetection>& found, const FaceRegion& square) {
+void FaceDetector::merge(std::vector<FaceDetection>& found) {
     mBoxes.clear();
     for (const Anchor& anchor : mCandidates) {
         mBoxes.push_back(decode(anchor));
@@ -131,8 +163,9 @@ void FaceDetector::merge(std::vector<FaceDetection>& found, const FaceRegion& sq
             }
         }
         FaceDetection face;
-        addWeighted(face, sum, square.side / weights);
-        const float left = square.centre.x - square.side / 2.0F, top = square.centre.y - square.side / 2.0F;
+        addWeighted(face, sum, mSquare.side / weights);
+        const float left = mSquare.centre.x - mSquare.side / 2.0F,
+                    top = mSquare.centre.y - mSquare.side / 2.0F;
         face.score = mBoxes[i].score;
         face.centre = {face.centre.x + left, face.centre.y + top};
         for (Vec2f& point : face.points) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <vector>
 
 #include "core/TVec.h"
@@ -38,6 +40,12 @@ public:
     /// Adds the faces in that square to `found`, each square's best first.
     void detect(const FaceImage& image, const FaceRegion& square, std::vector<FaceDetection>& found);
 
+    /// The same in steps, so that no frame pays for all of it: begin() takes what it needs of the image, then
+    /// each proceed() runs a part of the network. Another begin() or detect() drops what was under way.
+    void begin(const FaceImage& image, const FaceRegion& square);
+    /// @return true when that was the last step, whose faces have been added, and when nothing is under way
+    bool proceed(std::vector<FaceDetection>& found);
+
 private:
     struct Anchor {
         Vec2f centre;  ///< parts of the square
@@ -45,13 +53,16 @@ private:
         const float* box = nullptr;
     };
 
-    void collect();
+    void collect(const FaceModel& model);
     FaceDetection decode(const Anchor& anchor) const;
-    void merge(std::vector<FaceDetection>& found, const FaceRegion& square);
+    void merge(std::vector<FaceDetection>& found);
 
     Range mRange;
     int mSize = 0;
-    FaceModel mModel;
+    std::array<FaceModel, 2> mModels;  ///< parts of the network, one after another
+    std::size_t mParts = 0;            ///< 0 unless loaded
+    std::size_t mNextPart = 0;         ///< as large as mParts when nothing is under way
+    FaceRegion mSquare;
     std::vector<Anchor> mCandidates;
     std::vector<FaceDetection> mBoxes;
     std::vector<char> mTaken;

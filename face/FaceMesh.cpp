@@ -4,15 +4,14 @@
 #include <cmath>
 #include <limits>
 
+#include "face/FacePose.h"
+
 namespace zv {
 
 namespace {
 
 constexpr const char* kFile = "zv_res/models/facemesh.onnx";
 constexpr int kSize = 192;
-// The network sees faces this much too far left, in its pixels: half of what a picture and its mirror image
-// differ by.
-constexpr float kBias = 0.38F;
 constexpr float kAroundBox = 1.5F;  // side of the region to the longer side of the box
 
 float directionOf(float x, float y) {
@@ -31,19 +30,34 @@ bool FaceMesh::find(const FaceImage& image, const FaceRegion& region, FaceMeshPo
         return false;
     }
     sampleRegion(image, region, kSize, FaceBorder::Repeated, 1.0F / 255.0F, 0.0F, mModel.input());
+    return run(region, false, out);
+}
+
+bool FaceMesh::findInMirror(const FaceRegion& region, FaceMeshPoints& out) {
+    if (!mModel.isLoaded()) {
+        return false;
+    }
+    for (float *row = mModel.input(), *const end = row + 3 * kSize * kSize; row != end; row += kSize) {
+        std::reverse(row, row + kSize);
+    }
+    return run(region, true, out);
+}
+
+bool FaceMesh::run(const FaceRegion& region, bool isMirror, FaceMeshPoints& out) {
     if (!mModel.run()) {
         return false;
     }
     const float scale = region.side / static_cast<float>(kSize);
     const float c = std::cos(region.angle) * scale, s = std::sin(region.angle) * scale;
+    const std::int32_t* const mirrored = faceMeshMirror();
     const float* values = mModel.output(0);
     float sum = *mModel.output(1);
-    for (Vec3f& point : out.points) {
+    for (int i = 0; i < kFaceMeshPoints; ++i, values += 3) {
         // From edge to edge the network's coordinates run from 0 to the size.
-        const float u = values[0] + kBias - kSize / 2.0F, v = values[1] - kSize / 2.0F;
+        const float u = (values[0] - kSize / 2.0F) * (isMirror ? -1.0F : 1.0F), v = values[1] - kSize / 2.0F;
+        Vec3f& point = out.points[isMirror ? mirrored[i] : i];
         point = {region.centre.x + c * u - s * v, region.centre.y + s * u + c * v, values[2] * scale};
         sum += point.x + point.y + point.z;
-        values += 3;
     }
     out.confidence = std::isfinite(sum) ? *mModel.output(1) : 0.0F;
     return true;

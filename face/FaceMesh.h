@@ -33,11 +33,17 @@ public:
     /// @return false when the network fails; whether there is a face, the confidence says
     bool find(const FaceImage& image, const FaceRegion& region, FaceMeshPoints& out);
 
+    /// The same region once more, after find(), as the network sees it in a mirror; the points are back in
+    /// the picture, each in its own place.
+    bool findInMirror(const FaceRegion& region, FaceMeshPoints& out);
+
     /// Where to look for the mesh of a face: one and a half times its box, turned as its eyes are.
     static FaceRegion regionOf(const FaceDetection& face);
     static FaceRegion regionOf(const FaceMeshPoints& mesh);
 
 private:
+    bool run(const FaceRegion& region, bool isMirror, FaceMeshPoints& out);
+
     FaceModel mModel;
 };
 

@@ -7,6 +7,7 @@
 #include "core/FileUtil.h"
 #include "core/ZVLog.h"
 #include "face/OnnxRuntime.h"
+#include "face/ShippedModels.h"
 
 namespace zv {
 
@@ -41,6 +42,7 @@ struct FaceModel::Session {
     std::vector<OrtValue*> values;           // over that memory
     std::vector<std::string> nameTexts;
     std::vector<const char*> names;
+    const OrtValue* source = nullptr;  // another network's output that is the input here
     bool failed = false;
 };
 
@@ -182,6 +184,12 @@ bool FaceModel::load(const std::string& file, const Tensor& input, const std::ve
         zvLog("no faces: the model %s cannot be read", file.c_str());
         return false;
     }
+    if (!isShippedModel(bytes)) {
+        zvLog("no faces: the model %s: damaged, or none that this library knows (%llu bytes, digest %016llX)",
+              file.c_str(), static_cast<unsigned long long>(bytes.size()),
+              static_cast<unsigned long long>(digestOfModel(bytes)));
+        return false;
+    }
     auto made = std::make_unique<Session>(*runtime);
     std::string wrong = made->open(bytes);
     if (wrong.empty()) {
@@ -211,6 +219,12 @@ float* FaceModel::input() {
     return mSession ? mSession->memory[0].data() : nullptr;
 }
 
+void FaceModel::readFrom(const FaceModel& other) {
+    if (mSession && other.mSession) {
+        mSession->source = other.mSession->values[1];
+    }
+}
+
 const float* FaceModel::output(std::size_t index) const {
     return mSession && index + 1 < mSession->memory.size() ? mSession->memory[index + 1].data() : nullptr;
 }
@@ -220,7 +234,7 @@ bool FaceModel::run() {
         return false;
     }
     Session& s = *mSession;
-    const OrtValue* input = s.values[0];
+    const OrtValue* input = s.source != nullptr ? s.source : s.values[0];
     const std::string wrong =
         s.textOf(s.api.Run(s.session, nullptr, s.names.data(), &input, 1, s.names.data() + 1,
                            s.values.size() - 1, s.values.data() + 1));

@@ -27,12 +27,16 @@ public:
     /// Reads the file, which is found as all resources are, through FileUtil.
     /// @param input what the network must have
     /// @param outputs those that are wanted
-    /// @return false, with the reason in the log, when the file is missing or no such network
+    /// @return false, with the reason in the log, when the file is missing, no such network, or not byte for
+    /// byte one of the models that come with this library
     bool load(const std::string& file, const Tensor& input, const std::vector<Tensor>& outputs);
     bool isLoaded() const { return mSession != nullptr; }
 
     /// Where to write before run(); null unless loaded.
     float* input();
+    /// From now on the input is what the other's first output holds, of the same shape. The other must stay
+    /// loaded as long.
+    void readFrom(const FaceModel& other);
     /// What run() left, in the order given to load().
     const float* output(std::size_t index) const;
 

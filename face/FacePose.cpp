@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace zv {
 
@@ -127,6 +128,23 @@ Vec3f meanOf(const FaceMeshPoints& mesh, std::initializer_list<int> indices) {
     return sum;
 }
 
+/// The average face is symmetric to the last digit.
+std::array<std::int32_t, kFaceMeshPoints> pairPoints() {
+    std::array<std::int32_t, kFaceMeshPoints> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        float least = std::numeric_limits<float>::max();
+        for (std::size_t j = 0; j < pairs.size(); ++j) {
+            const float x = kVertices[i].x + kVertices[j].x, y = kVertices[i].y - kVertices[j].y,
+                        z = kVertices[i].z - kVertices[j].z, distance = x * x + y * y + z * z;
+            if (distance < least) {
+                least = distance;
+                pairs[i] = static_cast<std::int32_t>(j);
+            }
+        }
+    }
+    return pairs;
+}
+
 }  // namespace
 
 FacePose fitFacePose(const FaceMeshPoints& mesh) {
@@ -170,6 +188,11 @@ Mat4 faceBoneMatrix(const FacePose& pose, const Vec3f& place, float height, floa
     const float unit = pose.unit * scale;
     return Mat4::createTranslation({place.x, height - place.y, -place.z}) * turn *
            Mat4::createScale({unit, unit, unit});
+}
+
+const std::int32_t* faceMeshMirror() {
+    static const std::array<std::int32_t, kFaceMeshPoints> sPairs = pairPoints();
+    return sPairs.data();
 }
 
 const std::int32_t* faceMeshIndices() {

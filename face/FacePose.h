@@ -39,4 +39,7 @@ ZV_FACE_API Mat4 faceBoneMatrix(const FacePose& pose, const Vec3f& place, float 
 /// Corners of the mesh's triangles, kFaceMeshIndices of them.
 ZV_FACE_API const std::int32_t* faceMeshIndices();
 
+/// For each of the mesh's points the one that a mirror shows in its place, kFaceMeshPoints of them.
+ZV_FACE_API const std::int32_t* faceMeshMirror();
+
 }  // namespace zv

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "face/FaceZones.h"
+
 namespace zv {
 
 namespace {
@@ -12,6 +14,8 @@ constexpr int kCloseLooks = 3;            // at a face that is new
 constexpr int kDetectEvery = 15;          // frames, while faces are followed
 constexpr int kHold = 3;                  // frames that a face stays after it was last seen
 constexpr int kFade = 6;                  // frames over which it then fades
+constexpr int kFirstTurn = 4;             // frames after the detector's, to learn a face's bias
+constexpr float kNews = 0.2F;             // share of what is learnt each time in what is known
 constexpr float kDamping = 0.8F;          // of its motion meanwhile, each frame
 constexpr float kSameFace = 0.3F;         // parts of a region's side between two middles of one face
 constexpr float kLeastSide = 12.0F;       // pixels of a region that is worth a look
@@ -21,48 +25,13 @@ constexpr int kDetectPixels = 512;  // twice what the detector sees, so that wha
 constexpr int kMeshPixels = 256;
 constexpr float kAroundWish = 1.2F;  // a face may move until the pixels are there
 
-/// Smaller faces than this part of the picture's long side need a closer look at a part of the picture, a
-/// zone; and pictures of up to so many pixels have none that would be worth it.
-constexpr float kZoneSide = 0.5F;
-constexpr int kLeastZonedPicture = 600;
-
-constexpr OneEuroFilter::Settings kPointSmoothing{1.0F, 6.0F, 2.0F};   // speed in eye distances a second
+constexpr OneEuroFilter::Settings kPointSmoothing{0.4F, 6.0F, 1.5F};   // speed in eye distances a second
 constexpr OneEuroFilter::Settings kAngleSmoothing{1.0F, 0.08F, 2.0F};  // speed in degrees a second
 
 FaceRegion wholeOf(const Size16& picture) {
     const auto width = static_cast<float>(picture.x), height = static_cast<float>(picture.y);
     return {{width / 2.0F, height / 2.0F}, std::max(width, height), 0.0F};
 }
-
-/// Zones overlap by a quarter at least, so that every small face lies whole in one of them.
-struct Zones {
-    explicit Zones(const Size16& picture) {
-        const int longSide = std::max(picture.x, picture.y);
-        if (longSide < kLeastZonedPicture) {
-            return;
-        }
-        side = static_cast<float>(longSide) * kZoneSide;
-        const auto along = [&](float length) {
-            return length > side ? static_cast<int>(std::ceil((length - side) / (0.75F * side))) + 1 : 1;
-        };
-        columns = along(picture.x);
-        rows = along(picture.y);
-    }
-    int count() const { return columns * rows; }
-    FaceRegion at(int index, const Size16& picture) const {
-        const auto middle = [&](int i, int n, float length) {
-            return n > 1 ? side / 2.0F + (length - side) * static_cast<float>(i) / static_cast<float>(n - 1)
-                         : length / 2.0F;
-        };
-        return {{middle(index % columns, columns, picture.x), middle(index / columns, rows, picture.y)},
-                side,
-                0.0F};
-    }
-
-    float side = 0.0F;
-    int columns = 0;
-    int rows = 0;
-};
 
 Vec2f middleOf(const FaceMeshPoints& mesh) {
     Vec2f sum;
@@ -97,6 +66,7 @@ void FaceTracker::reset() {
         mTracks.pop_back();
     }
     mSinceDetection = 0;
+    mDetecting = false;
     mZone = 0;
     mFaces.clear();
     mWishes.clear();
@@ -111,11 +81,11 @@ void FaceTracker::track(FaceViews& views, const Size16& picture, float seconds) 
         return;
     }
     const float step = std::clamp(seconds, kLeastStep, kLongestStep);
-    const bool anyMissed =
-        std::any_of(mTracks.begin(), mTracks.end(), [](const auto& track) { return track->missed > 0; });
-    if (mTracks.empty() || anyMissed || ++mSinceDetection >= kDetectEvery) {
+    ++mSinceDetection;
+    if (anySeen()) {
+        detectOn(views, picture);
+    } else {
         detect(views, picture);
-        mSinceDetection = 0;
     }
     for (const auto& track : mTracks) {
         follow(views, *track, step);
@@ -126,13 +96,25 @@ void FaceTracker::track(FaceViews& views, const Size16& picture, float seconds) 
     wishNext(picture);
 }
 
+bool FaceTracker::anySeen() const {
+    return std::any_of(mTracks.begin(), mTracks.end(), [](const auto& track) { return track->missed == 0; });
+}
+
+bool FaceTracker::anyMissed() const {
+    return std::any_of(mTracks.begin(), mTracks.end(), [](const auto& track) { return track->missed > 0; });
+}
+
+/// Nobody is seen: everything at once.
 void FaceTracker::detect(FaceViews& views, const Size16& picture) {
     mFound.clear();
+    mSinceDetection = 0;
+    mDetecting = false;
+    markRegions();
     detectIn(views, mFar, wholeOf(picture));
     if (mTracks.empty() && mFound.empty()) {
         detectIn(views, mNear, wholeOf(picture));
     }
-    const Zones zones(picture);
+    const FaceZones zones(picture);
     if (mTracks.empty() && mFound.empty() && zones.count() > 0) {
         // All of them when the picture is new, then one a frame.
         const int looks = mZone == 0 ? zones.count() : 1;
@@ -142,27 +124,59 @@ void FaceTracker::detect(FaceViews& views, const Size16& picture) {
             detectIn(views, mFar, zones.at(zone, picture));
         }
     }
+    adoptAll();
+}
+
+/// Beside faces that are followed: one frame gives the detector its pixels, each later one runs a part of it.
+void FaceTracker::detectOn(FaceViews& views, const Size16& picture) {
+    if (mDetecting) {
+        mFound.clear();
+        mDetecting = !mFar.proceed(mFound);
+        adoptAll();
+        return;
+    }
+    FaceImage image;
+    if ((anyMissed() || mSinceDetection >= kDetectEvery) && viewOf(views, wholeOf(picture), image)) {
+        markRegions();
+        mFar.begin(image, wholeOf(picture));
+        mDetecting = true;
+        mSinceDetection = 0;
+    }
+}
+
+bool FaceTracker::viewOf(FaceViews& views, const FaceRegion& square, FaceImage& image) const {
+    const FaceArea box = square.box();
+    return views.view({std::max(box.left, 0.0F), std::max(box.top, 0.0F),
+                       std::min(box.right, static_cast<float>(mPicture.x)),
+                       std::min(box.bottom, static_cast<float>(mPicture.y))},
+                      kDetectPixels, image);
+}
+
+void FaceTracker::detectIn(FaceViews& views, FaceDetector& detector, const FaceRegion& square) {
+    FaceImage image;
+    if (viewOf(views, square, image)) {
+        detector.detect(image, square, mFound);
+    }
+}
+
+void FaceTracker::markRegions() {
+    for (const auto& track : mTracks) {
+        track->wanted = track->region;
+    }
+}
+
+void FaceTracker::adoptAll() {
     for (const FaceDetection& found : mFound) {
         adopt(found);
     }
 }
 
-void FaceTracker::detectIn(FaceViews& views, FaceDetector& detector, const FaceRegion& square) {
-    FaceImage image;
-    const FaceArea picture{0.0F, 0.0F, static_cast<float>(mPicture.x), static_cast<float>(mPicture.y)};
-    const FaceArea box = square.box();
-    const FaceArea inside{std::max(box.left, 0.0F), std::max(box.top, 0.0F),
-                          std::min(box.right, picture.right), std::min(box.bottom, picture.bottom)};
-    if (views.view(inside, kDetectPixels, image)) {
-        detector.detect(image, square, mFound);
-    }
-}
-
-/// A face that is followed already is only found again if it was lost.
+/// A face that is followed already is only found again if it was lost. Faces may have moved since the
+/// detector was given its pixels, so they are compared as they were then.
 void FaceTracker::adopt(const FaceDetection& found) {
     const FaceRegion region = FaceMesh::regionOf(found);
     for (const auto& track : mTracks) {
-        if (areNear(track->region.centre, region.centre, std::max(track->region.side, region.side))) {
+        if (areNear(track->wanted.centre, region.centre, std::max(track->wanted.side, region.side))) {
             if (track->missed > 0) {
                 track->region = region;
             }
@@ -173,10 +187,11 @@ void FaceTracker::adopt(const FaceDetection& found) {
     if (track == nullptr) {
         return;
     }
-    track->region = region;
+    track->region = track->wanted = region;
     track->missed = 0;
     track->isNew = true;
     track->face = TrackedFace();
+    track->bias.reset();
     for (OneEuroFilter& filter : track->points) {
         filter.reset();
     }
@@ -198,7 +213,8 @@ FaceTracker::Track* FaceTracker::freeTrack() {
 }
 
 /// One look through the network. Moves the region to what was seen.
-bool FaceTracker::look(FaceViews& views, Track& track) {
+/// @param news share of what a second look, in a mirror, says of the network's bias; 0 leaves that out
+bool FaceTracker::look(FaceViews& views, Track& track, float news) {
     FaceImage image;
     const bool worth = track.region.side >= kLeastSide && track.region.centre.x > -track.region.side &&
                        track.region.centre.y > -track.region.side &&
@@ -208,8 +224,19 @@ bool FaceTracker::look(FaceViews& views, Track& track) {
         !mMesh.find(image, track.region, track.raw) || !(track.raw.confidence >= kLeastConfidence)) {
         return false;
     }
+    if (news > 0.0F && mMesh.findInMirror(track.region, mInMirror) &&
+        mInMirror.confidence >= kLeastConfidence) {
+        track.bias.learn(track.raw, mInMirror, track.region, news);
+    }
+    track.bias.takeOff(track.raw, track.region);
     track.region = FaceMesh::regionOf(track.raw);
     return true;
+}
+
+/// One face in a frame, and none in the frames in which the detector works.
+bool FaceTracker::isTurnToLearn(const Track& track) const {
+    const auto turn = static_cast<std::size_t>(std::max(mSinceDetection - kFirstTurn, 0));
+    return mSinceDetection >= kFirstTurn && turn < mTracks.size() && mTracks[turn].get() == &track;
 }
 
 /// The first region of a face came from the detector and fitted loosely. Further looks are through better
@@ -218,7 +245,7 @@ bool FaceTracker::lookClosely(FaceViews& views, Track& track) {
     constexpr float kShare = 1.0F / kCloseLooks;
     FaceMeshPoints mean;
     for (int i = 0; i < kCloseLooks; ++i) {
-        if (!look(views, track)) {
+        if (!look(views, track, i == 0 ? 1.0F : 0.0F)) {
             return false;
         }
         for (std::size_t j = 0; j < kFaceMeshPoints; ++j) {
@@ -232,7 +259,8 @@ bool FaceTracker::lookClosely(FaceViews& views, Track& track) {
 }
 
 void FaceTracker::follow(FaceViews& views, Track& track, float seconds) {
-    if (!look(views, track) || (track.isNew && !lookClosely(views, track))) {
+    if (!look(views, track, isTurnToLearn(track) ? kNews : 0.0F) ||
+        (track.isNew && !lookClosely(views, track))) {
         lose(track, seconds);
         return;
     }
@@ -341,15 +369,18 @@ void FaceTracker::publish() {
     }
 }
 
+/// Whether the detector is going to begin in the next frame.
+bool FaceTracker::wantsPixels() const {
+    return !anySeen() || (!mDetecting && (anyMissed() || mSinceDetection + 1 >= kDetectEvery));
+}
+
 void FaceTracker::wishNext(const Size16& picture) {
     mWishes.clear();
     const FaceArea whole{0.0F, 0.0F, static_cast<float>(picture.x), static_cast<float>(picture.y)};
-    const bool anyMissed =
-        std::any_of(mTracks.begin(), mTracks.end(), [](const auto& track) { return track->missed > 0; });
-    if (mTracks.empty() || anyMissed || mSinceDetection + 1 >= kDetectEvery) {
+    if (wantsPixels()) {
         mWishes.push_back({whole, kDetectPixels});
     }
-    const Zones zones(picture);
+    const FaceZones zones(picture);
     if (mTracks.empty() && zones.count() > 0) {
         mWishes.push_back({zones.at(mZone % zones.count(), picture).box(), kDetectPixels});
     }

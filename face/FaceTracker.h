@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/TVec.h"
+#include "face/FaceBias.h"
 #include "face/FaceDetector.h"
 #include "face/FaceExport.h"
 #include "face/FaceMesh.h"
@@ -26,8 +27,9 @@ struct TrackedFace {
     Vec2f velocity;  ///< pixels a second, of the face as a whole
 };
 
-/// Follows faces from frame to frame. The detector looks for new ones, while there is none and now and then;
-/// each face is then followed by its mesh alone: where it was, and how it moved, says where to look for it.
+/// Follows faces from frame to frame. The detector looks for new ones: in every frame while none is seen, and
+/// now and then beside those that are followed, then in steps over three frames so that none takes long. Each
+/// face is then followed by its mesh alone: where it was, and how it moved, says where to look for it.
 /// What is handed out is smoothed, steady at rest and quick in motion. A face that is not seen any more stays
 /// for a few frames, in case it was covered for a moment, and fades over some more. Used by one thread at a
 /// time; allocates nothing after the first frames.
@@ -67,6 +69,8 @@ private:
         TrackedFace face;
         FaceMeshPoints raw;  // as the network saw it last
         FaceRegion region;   // where to look next
+        FaceBias bias;       // of what the network sees
+        FaceRegion wanted;   // the region when the detector was given its pixels
         Vec2f middle;        // of the raw points, last time
         int missed = 0;      // frames since it was seen
         bool isNew = true;
@@ -75,9 +79,17 @@ private:
     };
 
     void detect(FaceViews& views, const Size16& picture);
+    void detectOn(FaceViews& views, const Size16& picture);
+    bool wantsPixels() const;
+    bool anySeen() const;
+    bool anyMissed() const;
+    bool viewOf(FaceViews& views, const FaceRegion& square, FaceImage& image) const;
     void detectIn(FaceViews& views, FaceDetector& detector, const FaceRegion& square);
+    void markRegions();
+    void adoptAll();
     void adopt(const FaceDetection& found);
-    bool look(FaceViews& views, Track& track);
+    bool look(FaceViews& views, Track& track, float news);
+    bool isTurnToLearn(const Track& track) const;
     bool lookClosely(FaceViews& views, Track& track);
     void follow(FaceViews& views, Track& track, float seconds);
     void smooth(Track& track, float seconds);
@@ -91,10 +103,12 @@ private:
     FaceDetector mNear{FaceDetector::Range::Near};
     FaceDetector mFar{FaceDetector::Range::Far};
     FaceMesh mMesh;
+    FaceMeshPoints mInMirror;
     bool mLoaded = false;
     Size16 mPicture;
     std::int32_t mNextId = 1;
     int mSinceDetection = 0;
+    bool mDetecting = false;  // in steps
     int mZone = 0;
     std::vector<std::unique_ptr<Track>> mTracks;  // in use, oldest first
     std::vector<std::unique_ptr<Track>> mSpare;

@@ -5,7 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include "algorithm/AlgBizFunc.h"
 #include "algorithm/AlgEngine.h"
+#include "effects/BeautyShapeChain.h"
+#include "effects/FaceShapeNode.h"
 #include "gltf/GtSticker.h"
 #include "scene/ZVMediaEngine.h"
 #include "zvfx/FaceTrack.h"
@@ -61,6 +64,34 @@ std::string findSticker(const std::string& given, const std::string& resources, 
                : given + ": comes for outputs of " + sizes + " pixels; tools/make-stickers.py makes others";
 }
 
+/// The sticker sits on the face as the chain reshapes it: its subscription is taken by one that moves the
+/// bones to where they are seen.
+void followShape(zv::gltf::GtSticker& sticker, const zv::FaceShapeNode& shape,
+                 kel_algorithm::AlgEngine& algorithms) {
+    algorithms.unregisterFunc(&sticker);
+    auto moved = std::make_shared<kel_algorithm::AlgBizFunc>();
+    moved->owner = &sticker;
+    moved->type = kel_algorithm::ALG_FUNC_FACE_MATS;
+    moved->onFaceMats = [&sticker, &shape](kel_algorithm::AlgFaceMatsList& faces) {
+        std::vector<zv::Vec2f> places;
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            for (std::size_t j = 0; j < faces[i].size(); ++j) {
+                places.emplace_back(faces[i][j].m[12], faces[i][j].m[13]);
+            }
+        }
+        shape.movePlaces(places.data(), places.size());
+        const zv::Vec2f* place = places.data();
+        for (std::size_t i = 0; i < faces.size(); ++i) {
+            for (std::size_t j = 0; j < faces[i].size(); ++j, ++place) {
+                faces[i][j].m[12] = place->x;
+                faces[i][j].m[13] = place->y;
+            }
+        }
+        sticker.updateFaceDetectMats(faces);
+    };
+    algorithms.registerAlgFunc(moved);
+}
+
 #if defined(ZVFX_FACES)
 
 std::string findFaces(zv::ZVMediaEngine& engine, float framesPerSecond) {
@@ -82,6 +113,8 @@ std::string findFaces(zv::ZVMediaEngine&, float) {
 std::string addStickers(const std::vector<std::string>& stickers, const std::string& faces,
                         float framesPerSecond, const std::string& resources, const zv::Size16& size,
                         zv::ZVMediaEngine& engine) {
+    const auto* chain = dynamic_cast<zv::BeautyShapeChain*>(engine.getRenderChain());
+    const zv::FaceShapeNode* shape = chain != nullptr ? chain->getFaceShape() : nullptr;
     for (const std::string& given : stickers) {
         std::string folder;
         std::string wrong = findSticker(given, resources, size, folder);
@@ -96,6 +129,9 @@ std::string addStickers(const std::vector<std::string>& stickers, const std::str
             return given + ": follows faces; find them with --faces auto, or give their track";
         }
         engine.addSticker(sticker);
+        if (sticker->isFaceSticker() && shape != nullptr) {
+            followShape(*sticker, *shape, *engine.getAlgEngine());
+        }
     }
     if (faces.empty()) {
         return {};

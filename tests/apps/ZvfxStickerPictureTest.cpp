@@ -57,6 +57,18 @@ TEST(ZvfxStickerPicture, FindsTheFacesItself) {
                                           std::tuple(224, 146, false), std::tuple(40, 40, false)}) {
         EXPECT_EQ(before.at(x, y) != after.at(x, y), isCovered) << x << ", " << y;
     }
+    // A hat sits on the forehead as it is shown: straw yellow from another line on, to another line.
+    for (const auto& [forehead, top, middle, low] :
+         {std::tuple("1", true, false, false), std::tuple("0", false, true, false),
+          std::tuple("-1", false, true, true)}) {
+        ASSERT_EQ(runZvfx({portrait, "-o", out, "--sticker", "hat", "--faces", "auto", "--quiet", "--shape",
+                           std::string("forehead=") + forehead})
+                      .status,
+                  0);
+        const Picture hat = Picture::load(out);
+        const auto isStraw = [&](int y) { return hat.at(227, y)[0] - hat.at(227, y)[2] > 100; };
+        EXPECT_EQ(std::tuple(isStraw(8), isStraw(72), isStraw(78)), std::tuple(top, middle, low)) << forehead;
+    }
 }
 
 TEST(ZvfxStickerPicture, SaysWhatIsWrongAndInWhichLine) {

@@ -205,6 +205,12 @@ TEST_F(FaceNodesPicture, NothingFoldsAtAnyValuesOfAnyFaces) {
         const float sign = shape->isFlipY() ? 1.0F : -1.0F;
         EXPECT_TRUE(least * sign > 0.02F && least < 1e8F)
             << "scene " << i / 10 << ", values " << i % 10 << ": " << least;
+        for (std::size_t v = 0; v < mesh.size(); v += 37) {  // what lies over a face finds its places there
+            Vec2f place(mesh[v].texCoords.x * 320.0F, mesh[v].texCoords.y * 240.0F);
+            shape->movePlaces(&place, 1);
+            EXPECT_NEAR(place.x, (mesh[v].vertices.x + 1.0F) * 160.0F, 0.5F) << i;
+            EXPECT_NEAR(place.y, (mesh[v].vertices.y + 1.0F) * 120.0F, 0.5F) << i;
+        }
         for (const V2F_T2F& vertex : mesh) {
             if (std::abs(vertex.vertices.x) == 1.0F || std::abs(vertex.vertices.y) == 1.0F) {
                 EXPECT_NEAR(vertex.texCoords.x, vertex.vertices.x / 2 + 0.5F, 1e-6);
