@@ -23,10 +23,10 @@
 // The 4 are the pixel and three places around it, a third of a turn apart and one texel away: the fewest that see every
 // direction alike.
 // Cost: 6 fetches a pixel (input 4, M 1, V 1), and 15 more of the input where a pixel among skin, or one beside it, is
-// darker than S by 5 % or more (0.7 to 1.7 of 100 pixels of a portrait). They stand in a loop that other pixels leave at once.
-// It is no branch, since a GL that computes several pixels together in software runs the inside of a branch for all of
-// them, but ends a loop when none goes on; it still runs the first turn, one fetch. The level of a mipmap is undefined
-// in there: the input should have none.
+// darker than S by 5 % or more (0.7 to 1.7 of 100 pixels of a portrait). They stand in a loop that other pixels leave
+// at once. It is no branch, since a GL that computes several pixels together in software runs the inside of a branch
+// for all of them, but ends a loop when none goes on; it still runs the first turn, one fetch. The level of a mipmap
+// is undefined in there: the input should have none.
 // Uniforms:
 //   blurAlpha: strength, 0 (output = input) to 1; cut to that range.
 //   u_sharpen: sharpening, 0 to 2; cut to that range.
