@@ -125,6 +125,9 @@ void SkinBuffingNode::resetSize(const TVec<2, unsigned short>& size) {
     mMeanFilter.get()->resetSize(half);
     mMeanFilter.get()->fitViewPort();
     mVarianceBlur.get()->resetSize(half);
+    if (getTexture(2) == nullptr) {  // GL had no target of the size before
+        setTexture(mMeanFilter.get()->getTexture(0), 2, nullptr);
+    }
     // On purpose: the own target has the full size from now on, although it was made with half of it.
     RenderTexture::resetSize(size);
     fitViewPort();

@@ -18,6 +18,10 @@ ConfigGL* ConfigGL::getInstance() {
 ConfigGL::ConfigGL() {
     glEnvInit();
     setVersionGL(versionFromText(reinterpret_cast<const char*>(glGetString(GL_VERSION))));
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &mMaxTextureSize);
+    if (mMaxTextureSize <= 0) {
+        mMaxTextureSize = std::numeric_limits<unsigned short>::max();
+    }
 }
 
 unsigned short ConfigGL::versionFromText(const char* text) {

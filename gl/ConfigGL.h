@@ -27,6 +27,12 @@ public:
     /// For hosts that want another path than the driver's version selects; the shader version follows.
     void setVersionGL(unsigned short version);
 
+    /// The most pixels that a texture may have along a side; uploads, targets and read-backs beyond it are
+    /// refused. Without an answer from the driver, all that a size can say.
+    int getMaxTextureSize() const { return mMaxTextureSize; }
+    /// For hosts that want less than the driver takes. Reaches textures made afterwards.
+    void setMaxTextureSize(int size) { mMaxTextureSize = size; }
+
     bool supportVAO() const { return mVersionGL >= 300; }
     /// Fixed answers: this build is for desktop GL alone.
     bool isSupportPBO() const { return true; }
@@ -38,6 +44,7 @@ private:
 
     std::uint16_t mVersionGL = 200;
     std::uint16_t mVersionShader = 120;
+    std::int32_t mMaxTextureSize = 0;
 };
 
 }  // namespace zv

@@ -26,9 +26,16 @@ constexpr PixelStore kPixelStores[] = {
     {GL_PACK_ROW_LENGTH, 0},    {GL_PACK_SKIP_ROWS, 0},    {GL_PACK_SKIP_PIXELS, 0},
 };
 
-GLenum unitName(std::size_t unit) {
-    return GL_TEXTURE0 + static_cast<GLenum>(unit);
-}
+struct TextureTarget {
+    GLenum target;
+    GLenum binding;
+};
+
+constexpr TextureTarget kTargets[] = {{GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D},
+                                      {GL_TEXTURE_RECTANGLE, GL_TEXTURE_BINDING_RECTANGLE}};
+
+/// Whose host's state is put away at the moment.
+thread_local HostState* tShielded = nullptr;
 
 GLuint nameOf(std::int32_t value) {
     return static_cast<GLuint>(value);
@@ -44,6 +51,10 @@ void setEnabled(GLenum capability, bool on) {
 
 }  // namespace
 
+HostState* HostState::getShielded() {
+    return tShielded;
+}
+
 void HostState::learnContext() {
     if (mContextKnown) {
         return;
@@ -53,7 +64,6 @@ void HostState::learnContext() {
     mHasVertexArrays = version >= 300;
     mHasReadFrameBuffer = version >= 300 || GLEW_ARB_framebuffer_object || GLEW_EXT_framebuffer_blit;
     mHasSamplers = version >= 330;
-    mHasRectangles = version >= 310 || GLEW_ARB_texture_rectangle;
     mContextKnown = true;
 }
 
@@ -61,15 +71,18 @@ void HostState::shield() {
     learnContext();
     glGetIntegerv(GL_CURRENT_PROGRAM, &mProgram);
     glGetIntegerv(GL_VIEWPORT, mViewPort.data());
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &mActiveUnit);
     mDeleted = DeletedNames::count();
-    shieldUnits();
     shieldBuffers();
-    shieldBlend();
     shieldFragments();
-    shieldPixelStore();
+    mUnits = {};
+    mKeepsBlendFunction = false;
+    mKeepsPixelStore = false;
+    tShielded = this;
 }
 
 void HostState::restore() {
+    tShielded = nullptr;
     if (mDeleted != DeletedNames::count()) {
         forgetDeleted();
     }
@@ -90,56 +103,55 @@ void HostState::forgetDeleted() {
     };
     forget(mProgram, [](GLuint name) { return glIsProgram(name); });
     for (Unit& unit : mUnits) {
-        forget(unit.texture, [](GLuint name) { return glIsTexture(name); });
-    }
-    forget(mRectangle, [](GLuint name) { return glIsTexture(name); });
-}
-
-void HostState::shieldUnits() {
-    glGetIntegerv(GL_ACTIVE_TEXTURE, &mActiveUnit);
-    for (std::size_t unit = kUnits; unit-- > 0;) {
-        Unit& kept = mUnits[unit];
-        glActiveTexture(unitName(unit));
-        glGetIntegerv(GL_TEXTURE_BINDING_2D, &kept.texture);
-        if (mHasSamplers) {
-            glGetIntegerv(GL_SAMPLER_BINDING, &kept.sampler);
-            if (kept.sampler != 0) {
-                glBindSampler(static_cast<GLuint>(unit), 0);
-            }
+        for (std::int32_t& texture : unit.textures) {
+            forget(texture, [](GLuint name) { return glIsTexture(name); });
         }
     }
-    if (mHasRectangles) {
-        glGetIntegerv(GL_TEXTURE_BINDING_RECTANGLE, &mRectangle);
+}
+
+void HostState::keepUnit(std::size_t index, unsigned int target) {
+    if (index >= kUnits) {
+        return;
+    }
+    Unit& unit = mUnits[index];
+    if (!unit.used) {
+        unit.used = true;
+        if (mHasSamplers) {
+            glGetIntegerv(GL_SAMPLER_BINDING, &unit.sampler);
+        }
+        if (unit.sampler != 0) {
+            glBindSampler(static_cast<GLuint>(index), 0);
+        }
+    }
+    for (std::size_t i = 0; i < unit.kept.size(); ++i) {
+        if (kTargets[i].target == target && !unit.kept[i]) {
+            unit.kept[i] = true;
+            glGetIntegerv(kTargets[i].binding, &unit.textures[i]);
+        }
     }
 }
 
 void HostState::restoreUnits() {
-    for (std::size_t unit = kUnits; unit-- > 0;) {
-        const Unit& kept = mUnits[unit];
-        glActiveTexture(unitName(unit));
-        glBindTexture(GL_TEXTURE_2D, nameOf(kept.texture));
-        if (kept.sampler != 0) {
-            glBindSampler(static_cast<GLuint>(unit), nameOf(kept.sampler));
+    for (std::size_t index = 0; index < kUnits; ++index) {
+        const Unit& unit = mUnits[index];
+        if (!unit.used) {
+            continue;
+        }
+        glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(index));
+        for (std::size_t i = 0; i < unit.kept.size(); ++i) {
+            if (unit.kept[i]) {
+                glBindTexture(kTargets[i].target, nameOf(unit.textures[i]));
+            }
+        }
+        if (unit.sampler != 0) {
+            glBindSampler(static_cast<GLuint>(index), nameOf(unit.sampler));
         }
     }
-    if (mHasRectangles) {
-        glBindTexture(GL_TEXTURE_RECTANGLE, nameOf(mRectangle));
-    }
-    if (mActiveUnit != GL_TEXTURE0) {
-        glActiveTexture(static_cast<GLenum>(mActiveUnit));
-    }
+    glActiveTexture(static_cast<GLenum>(mActiveUnit));
 }
 
 void HostState::shieldBuffers() {
     glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &mArrayBuffer);
-    glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &mPackBuffer);
-    glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &mUnpackBuffer);
-    if (mPackBuffer != 0) {
-        glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-    }
-    if (mUnpackBuffer != 0) {
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
-    }
     if (mHasVertexArrays) {
         glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &mVertexArray);
         if (mVertexArray != 0) {
@@ -171,15 +183,9 @@ void HostState::restoreBuffers() {
     } else {
         glPopClientAttrib();
     }
-    // Our drawing leaves all of these at 0.
+    // Our drawing leaves it at 0.
     if (mArrayBuffer != 0) {
         glBindBuffer(GL_ARRAY_BUFFER, nameOf(mArrayBuffer));
-    }
-    if (mPackBuffer != 0) {
-        glBindBuffer(GL_PIXEL_PACK_BUFFER, nameOf(mPackBuffer));
-    }
-    if (mUnpackBuffer != 0) {
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, nameOf(mUnpackBuffer));
     }
     glBindFramebuffer(GL_FRAMEBUFFER, nameOf(mDrawFrameBuffer));
     if (mReadFrameBuffer != mDrawFrameBuffer) {
@@ -187,23 +193,29 @@ void HostState::restoreBuffers() {
     }
 }
 
-void HostState::shieldBlend() {
-    mBlend = glIsEnabled(GL_BLEND) != GL_FALSE;
+void HostState::keepBlendFunction() {
+    if (mKeepsBlendFunction) {
+        return;
+    }
+    mKeepsBlendFunction = true;
     glGetIntegerv(GL_BLEND_SRC_RGB, &mBlendFactors[0]);
     glGetIntegerv(GL_BLEND_DST_RGB, &mBlendFactors[1]);
     glGetIntegerv(GL_BLEND_SRC_ALPHA, &mBlendFactors[2]);
     glGetIntegerv(GL_BLEND_DST_ALPHA, &mBlendFactors[3]);
     glGetIntegerv(GL_BLEND_EQUATION_RGB, &mBlendEquations[0]);
     glGetIntegerv(GL_BLEND_EQUATION_ALPHA, &mBlendEquations[1]);
-    if (mBlend) {
-        glDisable(GL_BLEND);
-    }
     if (mBlendEquations[0] != GL_FUNC_ADD || mBlendEquations[1] != GL_FUNC_ADD) {
         glBlendEquation(GL_FUNC_ADD);
     }
 }
 
 void HostState::restoreBlend() {
+    if (!mKeepsBlendFunction) {
+        if (mBlend) {
+            glEnable(GL_BLEND);
+        }
+        return;
+    }
     setEnabled(GL_BLEND, mBlend);
     glBlendFuncSeparate(static_cast<GLenum>(mBlendFactors[0]), static_cast<GLenum>(mBlendFactors[1]),
                         static_cast<GLenum>(mBlendFactors[2]), static_cast<GLenum>(mBlendFactors[3]));
@@ -214,6 +226,10 @@ void HostState::restoreBlend() {
 }
 
 void HostState::shieldFragments() {
+    mBlend = glIsEnabled(GL_BLEND) != GL_FALSE;
+    if (mBlend) {
+        glDisable(GL_BLEND);
+    }
     glGetBooleanv(GL_COLOR_WRITEMASK, mColorMask.data());
     mMasksColor = mColorMask != std::array<unsigned char, 4>{GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
     if (mMasksColor) {
@@ -238,7 +254,19 @@ void HostState::restoreFragments() {
     }
 }
 
-void HostState::shieldPixelStore() {
+void HostState::keepPixelStore() {
+    if (mKeepsPixelStore) {
+        return;
+    }
+    mKeepsPixelStore = true;
+    glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &mPackBuffer);
+    glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &mUnpackBuffer);
+    if (mPackBuffer != 0) {
+        glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+    }
+    if (mUnpackBuffer != 0) {
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    }
     for (std::size_t i = 0; i < kStores; ++i) {
         glGetIntegerv(kPixelStores[i].name, &mStores[i]);
         if (mStores[i] != kPixelStores[i].plain) {
@@ -248,9 +276,18 @@ void HostState::shieldPixelStore() {
 }
 
 void HostState::restorePixelStore() {
+    if (!mKeepsPixelStore) {
+        return;
+    }
+    // Our uploads and reads leave both buffers at 0 and the pixel store plain.
+    if (mPackBuffer != 0) {
+        glBindBuffer(GL_PIXEL_PACK_BUFFER, nameOf(mPackBuffer));
+    }
+    if (mUnpackBuffer != 0) {
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, nameOf(mUnpackBuffer));
+    }
     for (std::size_t i = 0; i < kStores; ++i) {
-        // A read-back leaves its own row alignment behind, so that one is always written.
-        if (mStores[i] != kPixelStores[i].plain || kPixelStores[i].name == GL_PACK_ALIGNMENT) {
+        if (mStores[i] != kPixelStores[i].plain) {
             glPixelStorei(kPixelStores[i].name, mStores[i]);
         }
     }

@@ -6,6 +6,7 @@
 
 #include "gl/ConfigGL.h"
 #include "gl/FrameBuffer.h"
+#include "gl/HostState.h"
 #include "gl/Program.h"
 
 namespace zv {
@@ -142,6 +143,7 @@ void RenderState::setBlend(const BlendFunc& blend) {
     if (blend == BlendFunc::DISABLE) {
         glDisable(GL_BLEND);
     } else {
+        HostState::beforeBlending();
         if (mBlend == BlendFunc::DISABLE) {
             glEnable(GL_BLEND);
         }

@@ -48,13 +48,13 @@ bool RenderTargetTexture::resetSize(const Size16& size) {
     if (size == mSize) {
         return true;
     }
+    const Size16 former = mSize;
     mSize = size;
-    if (mTexture == nullptr || !mTexture->isOwner()) {
+    if (mTexture == nullptr || !mTexture->isOwner() || makeStorage(mTexture->getPxFormat())) {
         return true;
     }
-    const PxFormat format = mTexture->getPxFormat();
-    mTexture->reset();
-    return makeStorage(format);
+    mSize = former;  // as the texture, which a refused upload leaves alone
+    return false;
 }
 
 bool RenderTargetTexture::makeStorage(PxFormat format) {

@@ -22,6 +22,7 @@ public:
 
     /// Makes the storage anew when the size differs; what it held is lost and the GL name may change.
     /// A texture that does not own its storage keeps it: then only the size reported here changes.
+    /// @return false, with everything as it was, for a size that GL does not take
     bool resetSize(const Size16& size) override;
 
 protected:

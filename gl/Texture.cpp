@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include "gl/DeletedNames.h"
+#include "gl/HostState.h"
 
 namespace zv {
 
@@ -66,6 +67,7 @@ unsigned int Texture::getInternalFormat() const {
 
 void Texture::active(unsigned int unit) {
     glActiveTexture(GL_TEXTURE0 + unit);
+    HostState::beforeBinding(unit, mTarget);
     glBindTexture(mTarget, mName);
 }
 

@@ -3,10 +3,14 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <limits>
 #include <stdexcept>
 
+#include "core/ZVLog.h"
 #include "gl/ConfigGL.h"
+#include "gl/HostState.h"
 #include "gl/Image.h"
 #include "gl/PixelRows.h"
 
@@ -17,7 +21,10 @@ namespace {
 /// Sets how upload rows are aligned and restores GL's default of 4.
 class UnpackAlignment {
 public:
-    explicit UnpackAlignment(int alignment) { glPixelStorei(GL_UNPACK_ALIGNMENT, alignment); }
+    explicit UnpackAlignment(int alignment) {
+        HostState::beforePixels();
+        glPixelStorei(GL_UNPACK_ALIGNMENT, alignment);
+    }
     ~UnpackAlignment() { glPixelStorei(GL_UNPACK_ALIGNMENT, 4); }
     UnpackAlignment(const UnpackAlignment&) = delete;
     UnpackAlignment& operator=(const UnpackAlignment&) = delete;
@@ -73,6 +80,22 @@ bool levelsFit(const PxFormatInfo* info, const _MipmapInfo* levels, int count, S
     return true;
 }
 
+/// What is refused may be asked for again with each frame, by each stage of a chain at its own size: a size
+/// is told only when it is none of the last few.
+bool glTakes(const Size16& size) {
+    static std::array<std::atomic<std::uint32_t>, 8> told{};
+    static std::atomic<unsigned int> next{0};
+    const int most = ConfigGL::getInstance()->getMaxTextureSize();
+    if (size.x <= most && size.y <= most)
+        return true;
+    const std::uint32_t both = std::uint32_t{size.x} << 16 | size.y;
+    if (std::find(told.begin(), told.end(), both) == told.end()) {
+        told[next++ % told.size()] = both;
+        zvLog("a texture of %d x %d is refused: GL takes up to %d a side", size.x, size.y, most);
+    }
+    return false;
+}
+
 }  // namespace
 
 Texture2D::~Texture2D() = default;
@@ -111,7 +134,7 @@ bool Texture2D::init(unsigned int name, const Size16& size, PxFormat format, boo
 
 bool Texture2D::initWithMipmaps(const _MipmapInfo* levels, int count, PxFormat format, const Size16& size) {
     const PxFormatInfo* info = getPxFormatInfo(format);
-    if (!levelsFit(info, levels, count, size))
+    if (!levelsFit(info, levels, count, size) || (count > 0 && !glTakes(size)))
         return false;
 
     mFormat = format;
@@ -124,6 +147,7 @@ bool Texture2D::initWithMipmaps(const _MipmapInfo* levels, int count, PxFormat f
     for (int i = 0; i < count; ++i) {
         const _MipmapInfo& level = levels[i];
         if (info->compressed) {
+            HostState::beforePixels();
             glCompressedTexImage2D(mTarget, i, info->internalFormat, levelSize.x, levelSize.y, 0,
                                    static_cast<GLsizei>(neededByteCount(*info, levelSize)), level.data);
         } else {

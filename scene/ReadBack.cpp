@@ -8,6 +8,7 @@
 #include "core/ZVLog.h"
 #include "gl/ConfigGL.h"
 #include "gl/DebugLabel.h"
+#include "gl/HostState.h"
 #include "gl/Texture.h"
 
 namespace zv {
@@ -62,7 +63,10 @@ void ReadBack::read(UniqueDataPtr<unsigned char>& out, PxFormat format, const Vi
     const unsigned int pixelBytes = channelCount(info->format);
     std::uint64_t tableBytes = 0;
     std::uint64_t readBytes = 0;
+    const int most = ConfigGL::getInstance()->getMaxTextureSize();
+    bool canBeDrawn = true;
     for (std::size_t i = 0; i < count; ++i) {
+        canBeDrawn = canBeDrawn && parts[i].size.x <= most && parts[i].size.y <= most;
         const std::uint64_t width = parts[i].size.x;
         tableBytes += static_cast<std::uint64_t>(info->bpp) * width / 8 * parts[i].size.y;
         readBytes += pixelBytes * width * parts[i].size.y;
@@ -71,10 +75,11 @@ void ReadBack::read(UniqueDataPtr<unsigned char>& out, PxFormat format, const Vi
         zeroFrom(out, 0);
         return;
     }
-    if (readBytes > (mBuffers[0] != 0 ? mBytes : tableBytes)) {
+    if (!canBeDrawn || readBytes > (mBuffers[0] != 0 ? mBytes : tableBytes)) {
         skip(out, format, readBytes);
         return;
     }
+    HostState::beforePixels();
     if (mBuffers[0] == 0) {
         makeBuffers(tableBytes);
     }

@@ -23,7 +23,8 @@ public:
     /// hands out what the read before got; zeros at first. What `out` holds beyond that becomes zero.
     /// The first read decides how large the buffers are. A later one that needs more, and a format that GL
     /// does not give in the table's bytes (compressed, without a row, or 16 bits a pixel of more than two
-    /// channels), is left out: `out` becomes zero, and the first time a log line says so.
+    /// channels), and a part larger than a texture can be, is left out: `out` becomes zero, and the first
+    /// time a log line says so.
     void read(UniqueDataPtr<unsigned char>& out, PxFormat format, const ViewPort* parts, std::size_t count);
 
 private:

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/RefCreate.h"
+#include "gl/ConfigGL.h"
 #include "gl/FrameBuffer.h"
 #include "gl/RenderState.h"
 #include "gl/RenderTargetTexture.h"
@@ -135,7 +136,9 @@ void RenderTexture::resetSize(const TVec<2, unsigned short>& size) {
     mSize = size;
     mTargetSize = size;
     if (RenderTarget* target = mRenderTarget.get()) {
-        target->resetSize(size);
+        if (!target->resetSize(size)) {
+            mTargetSize = target->getSize();  // it stays as it is, and is not asked again with each frame
+        }
         showWholeTarget();
     }
     if (FrameBuffer* frameBuffer = IFrameBuffer::getFrameBuffer()) {
@@ -202,6 +205,10 @@ void RenderTexture::getOutData(UniqueDataPtr<unsigned char>& out) {
 }
 
 UniqueDataPtr<unsigned char> RenderTexture::getOutData() {
+    const int most = ConfigGL::getInstance()->getMaxTextureSize();
+    if (mSize.x > most || mSize.y > most) {
+        return {};  // nothing of that size is ever drawn
+    }
     const PxFormatInfo* info = Texture::getPxFormatInfo(mPxFormat);
     const std::uint64_t bits = info != nullptr ? static_cast<std::uint64_t>(info->bpp) : 0;
     UniqueDataPtr<unsigned char> out(static_cast<std::size_t>(bits * mSize.x * mSize.y / 8));

@@ -49,8 +49,9 @@ public:
     /// target that it holds at the moment too; its owner gets its own size back when it next renders.
     virtual void resetSize(const TVec<2, unsigned short>& size);
 
-    /// Draws the scene into the texture. Frame buffer, view port and, when the frame buffer is shared with a
-    /// pass that is under way, its target are as before afterwards. Ignored from inside itself.
+    /// Draws the scene into the texture; nothing when there is no target of that size. Frame buffer, view
+    /// port and, when the frame buffer is shared with a pass that is under way, its target are as before
+    /// afterwards. Ignored from inside itself.
     virtual void renderToTexture();
 
     /// Who takes the input of this object, for a nest of render textures its first pass; here this object.
@@ -63,7 +64,7 @@ public:
     /// bottom one first. `out` has its size already: width x height x bits a pixel / 8; bytes beyond what is
     /// kept are zero.
     virtual void getOutData(UniqueDataPtr<unsigned char>& out);
-    /// The same into a buffer of the right size.
+    /// The same into a buffer of the right size; an empty one when GL does not take textures of that size.
     virtual UniqueDataPtr<unsigned char> getOutData();
 
     /// Made at first need.

@@ -13,16 +13,17 @@ thread_local TargetPass* tInnermost = nullptr;
 }  // namespace
 
 TargetPass::TargetPass(FrameBuffer& frameBuffer, RenderTarget& target)
-    : mFrameBuffer(frameBuffer), mTarget(&target), mOuter(tInnermost) {
+    : mState(*RenderState::getCurrent()), mFrameBuffer(frameBuffer), mTarget(&target), mOuter(tInnermost) {
     tInnermost = this;
     mFrameBuffer.retain();
     mTarget->retain();
-    RenderState::getCurrent()->pushFrameBuffer(&mFrameBuffer);
-    attach();
+    mState.pushFrameBuffer(&mFrameBuffer);
+    mFrameBuffer.attachRenderTarget(mTarget);
+    mFrameBuffer.apply();
 }
 
 TargetPass::~TargetPass() {
-    RenderState::getCurrent()->popFrameBuffer();
+    mState.popFrameBuffer();
     tInnermost = mOuter;
     if (mOuter != nullptr) {
         mOuter->attach();
@@ -41,10 +42,9 @@ void TargetPass::changeTarget(RenderTarget& target) {
 void TargetPass::attach() {
     mFrameBuffer.attachRenderTarget(mTarget);
     // Bound already, unless somebody bound another frame buffer over this pass meanwhile.
-    RenderState* state = RenderState::getCurrent();
-    state->pushFrameBuffer(&mFrameBuffer);
+    mState.pushFrameBuffer(&mFrameBuffer);
     mFrameBuffer.apply();
-    state->popFrameBuffer();
+    mState.popFrameBuffer();
 }
 
 }  // namespace zv

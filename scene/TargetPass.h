@@ -5,6 +5,7 @@
 namespace zv {
 
 class FrameBuffer;
+class RenderState;
 class RenderTarget;
 
 /// Draws into, or reads from, a target for as long as it lives: attaches the target to the frame buffer,
@@ -26,6 +27,7 @@ public:
 private:
     void attach();
 
+    RenderState& mState;
     FrameBuffer& mFrameBuffer;
     RenderTarget* mTarget;
     TargetPass* mOuter;
