@@ -13,7 +13,6 @@
 #include "effects/FaceWarp.h"
 #include "gl/FrameBuffer.h"
 #include "gl/Program.h"
-#include "gl/RenderState.h"
 #include "gl/Texture2D.h"
 
 namespace zv {
@@ -23,16 +22,13 @@ namespace {
 constexpr const char* kTypeNames[FACE_SHAPE_COUNT] = {"eyes", "slim",  "chin",    "short",
                                                       "nose", "mouth", "forehead"};
 
-constexpr VertexMember kPosition = {AttribIndex::POSITION, 2, GL_FLOAT, false, offsetof(V2F_T2F, vertices)};
-constexpr VertexMember kTexCoord = {AttribIndex::TEXCOORD0, 2, GL_FLOAT, false, offsetof(V2F_T2F, texCoords)};
-
 bool isType(int type) {
     return type >= 0 && type < FACE_SHAPE_COUNT;
 }
 
 }  // namespace
 
-FaceShapeNode::FaceShapeNode() : mFaces(std::make_unique<FaceInput>()), mGrid(std::make_unique<FaceGrid>()) {}
+FaceShapeNode::FaceShapeNode() = default;
 
 FaceShapeNode::~FaceShapeNode() = default;
 
@@ -43,12 +39,12 @@ FaceShapeNode* FaceShapeNode::create(const TVec<2, unsigned short>& size, FrameB
 }
 
 bool FaceShapeNode::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) {
-    if (!RenderTexture::init(size, frameBuffer, format)) {
+    if (!FaceMeshNode::init(size, frameBuffer, format)) {
         return false;
     }
-    mPlain.set(getProgram());
-    mWarp.set(Program::createWithFile("ZvShaderTexturePosition.vert", "ZvFaceShape.frag"));
-    mSizeLocation = mWarp.get() != nullptr ? mWarp.get()->getUniformLocation("u_size") : -1;
+    Program* program = Program::createWithFile("ZvShaderTexturePosition.vert", "ZvFaceShape.frag");
+    setEffectProgram(program);
+    mSizeLocation = program != nullptr ? program->getUniformLocation("u_size") : -1;
     return true;
 }
 
@@ -58,7 +54,12 @@ void FaceShapeNode::updateFaceShape(int type, float value) {
     }
     // A value that is no number counts as none.
     mValues[static_cast<std::size_t>(type)] = value == value ? std::clamp(value, -1.0F, 1.0F) : 0.0F;
-    mFaces->want(isActive());
+    settingsChanged();
+}
+
+void FaceShapeNode::setClipEdge(float pixels) {
+    mClipEdge = pixels;
+    settingsChanged();
 }
 
 float FaceShapeNode::getFaceShape(int type) const {
@@ -75,31 +76,8 @@ int FaceShapeNode::getTypeByName(const std::string& name) {
     return found != end ? static_cast<int>(found - std::begin(kTypeNames)) : -1;
 }
 
-void FaceShapeNode::updateFaceLandmarks(kel_algorithm::AlgLandmarksList& faces) {
-    mFaces->take(faces);
-}
-
 bool FaceShapeNode::isActive() const {
     return std::any_of(mValues.begin(), mValues.end(), [](float value) { return value != 0.0F; });
-}
-
-bool FaceShapeNode::MeshSource::operator==(const MeshSource& other) const {
-    return faces == other.faces && values == other.values && clipEdge == other.clipEdge &&
-           size == other.size && std::equal(std::begin(corners), std::end(corners), other.corners);
-}
-
-void FaceShapeNode::updateMesh() {
-    const T2F_Quad coords = getTexCoords();
-    const MeshSource source = {mFaces->stamp(),
-                               mValues,
-                               mClipEdge,
-                               getSize(),
-                               {coords.texCoords[1], coords.texCoords[3], coords.texCoords[0]}};
-    if (!(source == mSource)) {
-        mSource = source;
-        fillMesh();
-        mUpload.markDirty();
-    }
 }
 
 /// The displacements of all faces, one after another.
@@ -119,10 +97,10 @@ struct FaceShapeNode::Warps {
 };
 
 void FaceShapeNode::gather(Warps& warps) const {
-    for (std::size_t i = 0; i < mFaces->count(); ++i) {
+    for (std::size_t i = 0; i < faces().count(); ++i) {
         FaceGeometry face;
         FaceWarp& warp = warps.warps[warps.count];
-        if (face.set((*mFaces)[i]) && warp.set(face, mValues.data())) {
+        if (face.set(faces()[i]) && warp.set(face, mValues.data())) {
             warp.keepBorder(getSize(), mClipEdge);
             warps.areas[warps.count++] = warp.area();
         }
@@ -150,65 +128,37 @@ void FaceShapeNode::movePlaces(Vec2f* places, std::size_t count) const {
     }
 }
 
-void FaceShapeNode::fillMesh() {
+FaceMeshNode::Mesh FaceShapeNode::makeMesh() {
     Warps warps;
     gather(warps);
-    mMesh.clear();
+    mStrip.clear();
     if (warps.count == 0) {
-        return;
+        return {};
     }
-    mGrid->lay(getSize(), warps.areas.data(), warps.count);
-    const Vec2f size(static_cast<float>(getSize().x), static_cast<float>(getSize().y));
-    const Vec2f origin = mSource.corners[0];
-    const Vec2f across(mSource.corners[1].x - origin.x, mSource.corners[1].y - origin.y);
-    const Vec2f up(mSource.corners[2].x - origin.x, mSource.corners[2].y - origin.y);
-    mGrid->strip(mMesh, [&](Vec2f pixel) {
+    grid().lay(getSize(), warps.areas.data(), warps.count);
+    const std::size_t still = grid().strip(mPoints, mStrip, [&](Vec2f pixel, bool& changes) {
+        const Vec2f source = warps.sourceOf(pixel);
+        changes = !(source == pixel);
         V2F_T2F vertex;
-        vertex.vertices = {2.0F * (pixel.x / size.x) - 1.0F, 2.0F * (pixel.y / size.y) - 1.0F};
-        pixel = warps.sourceOf(pixel);
-        const Vec2f part(pixel.x / size.x, pixel.y / size.y);
-        vertex.texCoords = {origin.x + part.x * across.x + part.y * up.x,
-                            origin.y + part.x * across.y + part.y * up.y};
+        vertex.vertices = clipCoordsAt(pixel);
+        vertex.texCoords = texCoordsAt(source);
         return vertex;
     });
+    return {mStrip.data(), mStrip.size(), still, sizeof(V2F_T2F)};
 }
 
-void FaceShapeNode::onDrawSelf(const Mat4& matrix) {
-    const bool active = isActive();
-    mFaces->want(active);
-    const bool fillsViewPort = isFillMode() && getScale() == Vec2f(1.0F, 1.0F);
-    const bool canWarp = mWarp.get() != nullptr && mWarp.get()->getName() != 0;
-    if (active && fillsViewPort && canWarp && getProgram() == mPlain.get() && getTexture(0) != nullptr) {
-        updateMesh();
-    } else {
-        mMesh.clear();
-        mSource = {};
-    }
-    if (mMesh.empty()) {
-        RenderTexture::onDrawSelf(matrix);
-    } else {
-        drawMesh();
-    }
+VertexUpload::Layout FaceShapeNode::getLayout() const {
+    static const VertexUpload::Layout layout = {
+        {AttribIndex::POSITION, 2, GL_FLOAT, false, offsetof(V2F_T2F, vertices)},
+        {AttribIndex::TEXCOORD0, 2, GL_FLOAT, false, offsetof(V2F_T2F, texCoords)}};
+    return layout;
 }
 
-void FaceShapeNode::drawMesh() {
-    RenderState* state = RenderState::getCurrent();
-    if (state == nullptr) {
-        return;
-    }
-    Texture2D* texture = getTexture(0);
-    Program* program = mWarp.get();
-    state->useProgram(program);
-    program->setUniformsForBuiltins();
+void FaceShapeNode::sendUniforms() {
+    const Texture2D* texture = getTexture(0);
     const float size[2] = {static_cast<float>(texture->getSize().x),
                            static_cast<float>(texture->getSize().y)};
-    program->setUniform2fv(mSizeLocation, size, 1);
-    mUpload.bind(*state, mMesh.data(), mMesh.size() * sizeof(V2F_T2F), sizeof(V2F_T2F),
-                 {kPosition, kTexCoord}, "face shape mesh");
-    texture->active(0);
-    state->setBlend(getBlendFunc());
-    state->drawArrays(GL_TRIANGLE_STRIP, 0, static_cast<int>(mMesh.size()));
-    VertexUpload::unbind(*state, {kPosition, kTexCoord});
+    getEffectProgram()->setUniform2fv(mSizeLocation, size, 1);
 }
 
 }  // namespace zv

@@ -3,23 +3,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "algorithm/AlgTypes.h"
 #include "core/TVec.h"
 #include "core/VertexFormats.h"
 #include "core/ZVExport.h"
+#include "effects/FaceMeshNode.h"
 #include "gl/PxFormat.h"
-#include "scene/RefHolder.h"
-#include "scene/RenderTexture.h"
-#include "scene/VertexUpload.h"
 
 namespace zv {
-
-class FaceGrid;
-class FaceInput;
 
 /// What FaceShapeNode changes, and what a positive value does; a negative one does the opposite.
 enum FaceShapeType : std::int32_t {
@@ -40,15 +33,14 @@ enum FaceShapeType : std::int32_t {
 /// the face (docs/face-effects.md), nothing moves, to the byte.
 /// - Input: what is in the front scene, any format, upright: the points of the faces are places in it.
 /// - Output: the size and format it was made with; alpha moves with the picture.
-/// - Cost: one pass at full size, one target, one draw. One fetch a pixel, five where the picture moves.
-/// While
-///   faces move, a mesh of some 10,000 vertices for one face, at most 100,000, is computed and streamed a
-///   frame.
+/// - Cost: one pass at full size, one target, two draws. One fetch a pixel, five where the picture moves.
+///   While faces move, a mesh of some 10,000 vertices for one face, at most 100,000, is computed and streamed
+///   a frame.
 /// - State: leaves its program in use. A node whose program somebody else has set, which is scaled or not in
 ///   fill mode shows its picture unchanged.
 /// - Setters: see each; they take effect at the next draw. Faces come from the media engine's face business,
 ///   to which the node subscribes while any value is not 0, or from the host. At most 16 are reshaped.
-class ZV_API FaceShapeNode : public RenderTexture {
+class ZV_API FaceShapeNode : public FaceMeshNode {
 public:
     FaceShapeNode();
     ~FaceShapeNode() override;
@@ -69,13 +61,8 @@ public:
 
     /// Distance from the border of the picture, in pixels, within which nothing is moved, so that the border
     /// stays straight; default 30. What lies further in moves by at most 0.35 of its distance from there.
-    void setClipEdge(float pixels) { mClipEdge = pixels; }
+    void setClipEdge(float pixels);
     float getClipEdge() const { return mClipEdge; }
-
-    /// Hands in the faces of the latest frame, in pixels of this node's picture with the origin bottom left;
-    /// they stay until the next call. What the argument holds afterwards is memory to use again. For hosts
-    /// that do not use the media engine's face business.
-    void updateFaceLandmarks(kel_algorithm::AlgLandmarksList& faces);
 
     /// Moves places of the picture to where the node shows them, for what is drawn over reshaped faces; as
     /// the latest faces and the values are, to a hundredth of a pixel.
@@ -84,44 +71,26 @@ public:
 
     /// The triangle strip that the last draw used, in clip and texture coordinates; empty when the picture
     /// was drawn unchanged.
-    const std::vector<V2F_T2F>& getMesh() const { return mMesh; }
+    const std::vector<V2F_T2F>& getMesh() const { return mStrip; }
 
-    void onDrawSelf(const Mat4& matrix) override;
-
-    using RenderTexture::init;
+    using FaceMeshNode::init;
 
 protected:
     bool init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) override;
 
 private:
-    /// What the mesh was made of.
-    struct MeshSource {
-        std::uint64_t faces = 0;
-        std::array<float, FACE_SHAPE_COUNT> values{};
-        float clipEdge = 0.0F;
-        TVec<2, unsigned short> size;
-        TVec<2, float> corners[3];  ///< texture coordinates of bottom left, bottom right, top left
-
-        bool operator==(const MeshSource& other) const;
-    };
-
     struct Warps;
 
-    bool isActive() const;
+    bool isActive() const override;
     void gather(Warps& warps) const;
-    void updateMesh();
-    void fillMesh();
-    void drawMesh();
+    Mesh makeMesh() override;
+    VertexUpload::Layout getLayout() const override;
+    void sendUniforms() override;
 
     std::array<float, FACE_SHAPE_COUNT> mValues{};
     float mClipEdge = 30.0F;
-    std::unique_ptr<FaceInput> mFaces;
-    std::unique_ptr<FaceGrid> mGrid;
-    MeshSource mSource;
-    std::vector<V2F_T2F> mMesh;
-    VertexUpload mUpload;
-    RefHolder<Program> mPlain;  ///< what the picture is drawn with unchanged
-    RefHolder<Program> mWarp;
+    std::vector<V2F_T2F> mPoints;
+    std::vector<V2F_T2F> mStrip;
     std::int32_t mSizeLocation = -1;
 };
 
