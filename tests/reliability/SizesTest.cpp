@@ -1,6 +1,8 @@
 // Every effect at every kind of size: a picture of one colour stays one, or at least is drawn all over.
 #include <functional>
 
+#include "algorithm/AlgEngine.h"
+#include "algorithm/AlgKelNN.h"
 #include "effects/BeautyTest.h"
 #include "effects/ColorFilter.h"
 #include "effects/Effect70SNode.h"
@@ -16,6 +18,7 @@
 #include "effects/Yuv444RenderTexture.h"
 #include "effects/YuvTest.h"
 #include "support/LogCapture.h"
+#include "support/SomeFace.h"
 
 namespace zv::test {
 
@@ -27,6 +30,21 @@ struct Effect {
     const char* name;
     bool uniform;  ///< whether one colour stays one colour
     std::function<void(BeautyShapeChain&, const Size16&)> add;
+};
+
+/// One face that fills the picture, and one that is half outside.
+struct Faces : kel_algorithm::AlgKelNN::Detector {
+    explicit Faces(const Size16& size) : picture{static_cast<float>(size.x), static_cast<float>(size.y)} {}
+    bool detect(kel_algorithm::AlgFaceResults& results) override {
+        if (results.landmarks.size() != 2) {
+            results.landmarks.resize(2);
+        }
+        const float radius = std::min(picture.x, picture.y) / 2.0F + 9.0F;
+        placeFace(results.landmarks[0], {picture.x / 2.0F, picture.y / 2.0F}, radius);
+        placeFace(results.landmarks[1], picture, radius);
+        return true;
+    }
+    Vec2f picture;
 };
 
 template <class Node>
@@ -44,6 +62,11 @@ const Effect kEffects[] = {
          chain.setHsv(HsvNode::create(size, nullptr, PXFORMAT_RGB888));
          chain.setFaceBuffingNode(FaceBuffingNode::create(size, nullptr, PXFORMAT_RGBA8888));
          chain.setFaceShape(FaceShapeNode::create(size, nullptr, PXFORMAT_RGB888));
+         chain.getFaceBuffingNode()->setFaceBuffing(1.0F);
+         chain.getFaceShape()->updateFaceShape(FACE_SHAPE_EYES, 1.0F);
+         chain.getFaceShape()->updateFaceShape(FACE_SHAPE_SLIM, -1.0F);
+         chain.getFaceShape()->setClipEdge(0.0F);
+         ZVMediaEngine::getCurrent()->getAlgEngine()->getKelNN()->setDetector(std::make_shared<Faces>(size));
      }},
     {"whitening and a table", true,
      [](auto& chain, const Size16& size) {

@@ -30,6 +30,7 @@
 #include "host/HeadlessContext.h"
 #include "scene/RenderTexture.h"
 #include "scene/Sprite.h"
+#include "support/SomeFace.h"
 
 namespace zv::soak {
 
@@ -38,7 +39,7 @@ namespace {
 constexpr std::size_t kMostStickers = 4;
 constexpr Size16 kRestSize{37, 23};
 
-/// Some faces, each a whole list of bones.
+/// Some faces, each a whole list of bones, and landmarks that move and now and then are no numbers.
 class Faces : public kel_algorithm::AlgKelNN::Detector {
 public:
     explicit Faces(int count) : mCount(static_cast<std::size_t>(count)) {}
@@ -46,7 +47,12 @@ public:
         if (results.mats.size() != mCount) {
             results.mats.resize(mCount);
         }
+        if (results.landmarks.size() != mCount) {
+            results.landmarks.resize(mCount);
+        }
+        ++mFrame;
         for (std::size_t face = 0; face < mCount; ++face) {
+            place(results.landmarks[face], static_cast<float>(face));
             if (results.mats[face].size() != kBones) {
                 results.mats[face].resize(kBones);
             }
@@ -59,8 +65,17 @@ public:
     }
 
 private:
+    void place(kel_algorithm::AlgFaceLandmarks& face, float number) const {
+        test::placeFace(face, {20.0F + 9.0F * number + static_cast<float>(mFrame % 40), 20.0F}, 14.0F);
+        if (mFrame % 50 == 0) {
+            face.points[mFrame % kel_algorithm::kFacePoints].x = std::numeric_limits<float>::quiet_NaN();
+        }
+        face.faceId = static_cast<std::int32_t>(number);
+    }
+
     static constexpr std::size_t kBones = 7;
     std::size_t mCount;
+    int mFrame = 0;
 };
 
 std::vector<std::string> entriesOf(const std::string& folder, const char* ending) {
@@ -228,7 +243,7 @@ void BusyHost::otherStage() {
     }
     FrameBuffer* frameBuffer = any(1) == 0 ? mEngine->getFrameBuffer() : nullptr;
     const bool add = any(2) != 0;
-    switch (any(3)) {
+    switch (any(5)) {
         case 0:
             mChain.get()->setSkinBuffing(add ? SkinBuffingNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
                                              : nullptr);
@@ -239,6 +254,14 @@ void BusyHost::otherStage() {
         case 2:
             mChain.get()->setSkinWhiting(add ? SkinWhitingNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
                                              : nullptr);
+            break;
+        case 3:
+            mChain.get()->setFaceBuffingNode(
+                add ? FaceBuffingNode::create(mSize, frameBuffer, PXFORMAT_RGB888) : nullptr);
+            break;
+        case 4:
+            mChain.get()->setFaceShape(add ? FaceShapeNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
+                                           : nullptr);
             break;
         default:
             mChain.get()->setFilter(add ? ColorFilter::create(mSize, frameBuffer, anyLook()) : nullptr);
@@ -272,9 +295,10 @@ void BusyHost::otherFlags() {
     if (mChain.get() == nullptr) {
         return;
     }
-    RenderTexture* const members[] = {mChain.get()->getSkinBuffing(), mChain.get()->getHsv(),
-                                      mChain.get()->getSkinWhiting(), mChain.get()->getFaceShape(),
-                                      mChain.get()->getEffect(),      mChain.get()->getFilter()};
+    RenderTexture* const members[] = {mChain.get()->getSkinBuffing(),     mChain.get()->getHsv(),
+                                      mChain.get()->getSkinWhiting(),     mChain.get()->getFaceShape(),
+                                      mChain.get()->getFaceBuffingNode(), mChain.get()->getEffect(),
+                                      mChain.get()->getFilter()};
     for (RenderTexture* member : members) {
         if (any(2) == 0) {
             mChain.get()->setRenderTextureEnable(member, any(1) == 0, any(1) == 0);
@@ -301,6 +325,13 @@ void BusyHost::otherStrengths() {
     }
     if (ColorFilter* filter = mChain.get()->getFilter()) {
         filter->setIntensity(anyAmount());
+    }
+    if (FaceBuffingNode* face = mChain.get()->getFaceBuffingNode()) {
+        face->setFaceBuffing(anyAmount());
+    }
+    if (FaceShapeNode* shape = mChain.get()->getFaceShape()) {
+        shape->updateFaceShape(any(8), 2.0F * anyAmount() - 1.0F);
+        shape->setClipEdge(anyAmount());
     }
 }
 

@@ -1,0 +1,181 @@
+// Every file that is shipped, cut short and with single bits turned over, through the loader that reads it.
+// By default some places of each file; with the environment variable ZV_TEST_THOROUGH every 97th one, and
+// every bit of the small files, which takes minutes: ./zv nightly does so.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+#include "core/FileUtil.h"
+#include "core/imemstream.h"
+#include "gl/Image.h"
+#include "gl/PictureFiles.h"
+#include "gltf/GtSticker.h"
+#include "gltf/WalkModel.h"
+#include "support/LogCapture.h"
+#include "support/TempDir.h"
+#include "zvfx/FaceTrack.h"
+#if defined(ZV_TEST_FACE)
+#include "face/FaceModel.h"
+#endif
+
+namespace zv::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The files as they are, but for one.
+class DamagedFile : public FileUtil {
+public:
+    std::string path;
+    std::string bytes;
+
+    bool getDataFromFile(UniqueDataPtr<unsigned char>& out, const std::string& name) override {
+        out = getDataFromFile(name);
+        return out.size() > 0;
+    }
+    UniqueDataPtr<unsigned char> getDataFromFile(const std::string& name) override {
+        if (name != path) {
+            return FileUtil::getDataFromFile(name);
+        }
+        UniqueDataPtr<unsigned char> out(bytes.size());
+        bytes.copy(reinterpret_cast<char*>(out.get(0)), bytes.size());
+        return out;
+    }
+    std::unique_ptr<std::istream> getiStreamFromFile(const std::string& name, int mode) override {
+        return name == path ? std::make_unique<imemstream>(bytes.data(), bytes.size())
+                            : FileUtil::getiStreamFromFile(name, mode);
+    }
+    std::string getTextFromFile(const std::string& name) override {
+        return name == path ? bytes : FileUtil::getTextFromFile(name);
+    }
+};
+
+bool readPicture(const std::string& path) {
+    Image image;
+    ::testing::internal::CaptureStdout();  // what is no BMP is told there
+    const bool isRead = image.initWithFile(path);
+    ::testing::internal::GetCapturedStdout();
+    std::uint64_t sum = 0;
+    for (std::uint64_t i = 0; isRead && i < image.getImageSize(); ++i) {
+        sum += *image.getData().get(i);
+    }
+    EXPECT_LE(sum, image.getImageSize() * 255);
+    return isRead;
+}
+
+bool readModel(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = path.substr(0, slash + 1), name = path.substr(slash + 1);
+    gltf::GtModel model;
+    const bool isRead = model.parser(folder, folder + name.substr(0, name.rfind('.')) + ".gltf");
+    walkModel(model);
+    return isRead;
+}
+
+bool readSticker(const std::string& path) {
+    gltf::GtSticker sticker;
+    std::string folder = path.substr(0, path.rfind('/')), model;
+    return sticker.parserJson(folder, model);
+}
+
+bool readTrack(const std::string& path) {
+    zvfx::FaceTrack track;
+    const auto stream = FileUtil::getInstance()->getiStreamFromFile(path, 0);
+    return track.read(*stream, {512, 512}).empty();
+}
+
+using Reader = bool (*)(const std::string& path);
+const std::map<std::string, Reader> kReaders = {
+    {".png", readPicture},
+    {".bmp", readPicture},
+    {".gltf", readModel},
+    {".bin", readModel},
+    {".json", readSticker},
+    {".jsonl", readTrack},
+#if defined(ZV_TEST_FACE)
+    {".onnx",
+     [](const std::string& path) {
+         return FaceModel().load(path, {"input", {1, 3, 128, 128}}, {});
+     }},
+#endif
+};
+
+struct Sample {
+    std::string path;
+    std::string bytes;
+    Reader read;
+};
+
+/// What is shipped and has a reader, and a picture of the other kind.
+std::vector<Sample> samples(const TempDir& dir) {
+    std::vector<Sample> found;
+    dir.write("a.bmp", bmpFile({5, 3, Bytes(48, 7), 48}));
+    for (const std::string& folder :
+         {std::string(ZV_TEST_DATA_DIR), std::string(ZV_TEST_RES_DIR "/zv_res"), dir.path()}) {
+        for (const auto& entry : fs::recursive_directory_iterator(fs::u8path(folder))) {
+            const auto reader = kReaders.find(entry.path().extension().string());
+            if (reader != kReaders.end()) {
+                const std::string path = entry.path().generic_u8string();
+                found.push_back({path, readFile(path), reader->second});
+            }
+        }
+    }
+    std::sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.path < b.path; });
+    return found;
+}
+
+bool isThorough() {
+    return std::getenv("ZV_TEST_THOROUGH") != nullptr;
+}
+
+/// Whether a file that is cut there is whole all the same: what is missing are white space or whole lines.
+bool isWhole(const Sample& sample, std::size_t at) {
+    const bool isText = sample.read == readSticker || sample.read == readTrack || sample.path.back() == 'f';
+    return isText &&
+           (sample.read == readTrack || sample.bytes.find_first_not_of(" \r\n\t", at) == std::string::npos);
+}
+
+}  // namespace
+
+TEST(DamagedFiles, AreRefusedOrReadAndNothingElseBreaks) {
+    const TempDir dir;
+    const std::vector<Sample> all = samples(dir);
+    ASSERT_GE(all.size(), 50U);
+    auto made = std::make_unique<DamagedFile>();
+    DamagedFile* files = made.get();
+    FileUtil::setInstance(std::move(made));
+    const LogCapture log;  // what is refused is told there
+    std::size_t tried = 0;
+    for (const Sample& sample : all) {
+        SCOPED_TRACE(sample.path);
+        files->path = sample.path;
+        const auto reads = [&](std::string bytes) {
+            ++tried;
+            files->bytes = std::move(bytes);
+            return sample.read(sample.path);
+        };
+        const std::size_t size = sample.bytes.size();
+        const std::size_t few = size > 50000 ? 6 : 40;
+        const std::size_t step = isThorough() ? 97 : std::max<std::size_t>(97, size / few / 97 * 97);
+        for (std::size_t at = 0; at < size; at += step) {
+            EXPECT_TRUE(!reads(sample.bytes.substr(0, at)) || isWhole(sample, at)) << "cut at " << at;
+        }
+        const bool isModel = sample.path.find("/models/") != std::string::npos;  // of those every byte counts
+        const bool isEachBit = size < 4000 && (isThorough() || size < 200);
+        for (std::size_t bit = 0; bit < size * 8; bit += isEachBit ? 1 : step * 8 + 1) {
+            std::string flipped = sample.bytes;
+            flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ 1 << bit % 8);
+            EXPECT_FALSE(reads(flipped) && isModel) << "bit " << bit;
+        }
+        EXPECT_EQ(reads(sample.bytes), !isModel || sample.path.find("front") != std::string::npos)
+            << "the file as it was";
+    }
+    FileUtil::setInstance(nullptr);
+    RecordProperty("tried", static_cast<int>(tried));
+}
+
+}  // namespace zv::test
