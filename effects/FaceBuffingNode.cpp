@@ -38,8 +38,11 @@ bool FaceBuffingNode::init(const TVec<2, unsigned short>& size, FrameBuffer* fra
 }
 
 void FaceBuffingNode::setFaceBuffing(float strength) {
-    mStrength = strength > 0.0F ? std::min(strength, 1.0F) : 0.0F;
-    settingsChanged();
+    const float cut = strength > 0.0F ? std::min(strength, 1.0F) : 0.0F;
+    if (cut != mStrength) {
+        mStrength = cut;
+        settingsChanged();
+    }
 }
 
 bool FaceBuffingNode::isActive() const {

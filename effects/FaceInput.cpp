@@ -1,6 +1,7 @@
 #include "effects/FaceInput.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "algorithm/AlgBizFunc.h"
@@ -15,6 +16,16 @@ namespace {
 kel_algorithm::AlgEngine* currentAlgEngine() {
     auto* media = dynamic_cast<ZVMediaEngine*>(ZVEngine::getCurrent());
     return media != nullptr ? media->getAlgEngine() : nullptr;
+}
+
+/// As far as an effect sees them: without the ids.
+bool areSame(const kel_algorithm::AlgLandmarksList& a, const kel_algorithm::AlgLandmarksList& b) {
+    bool same = a.size() == b.size();
+    for (std::size_t i = 0; same && i < a.size(); ++i) {
+        same = a[i].confidence == b[i].confidence &&
+               std::equal(std::begin(a[i].points), std::end(a[i].points), std::begin(b[i].points));
+    }
+    return same;
 }
 
 }  // namespace
@@ -61,8 +72,10 @@ void FaceInput::unsubscribe() {
 }
 
 void FaceInput::take(kel_algorithm::AlgLandmarksList& faces) {
+    if (!areSame(mFaces, faces)) {
+        ++mStamp;
+    }
     std::swap(mFaces, faces);
-    ++mStamp;
     mFromBusiness = false;
 }
 

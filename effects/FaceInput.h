@@ -33,7 +33,7 @@ public:
 
     std::size_t count() const;
     const kel_algorithm::AlgFaceLandmarks& operator[](std::size_t index) const { return mFaces[index]; }
-    /// Counts the lists that were taken.
+    /// Counts the lists that were taken and differed from the one before.
     std::uint64_t stamp() const { return mStamp; }
 
 private:

@@ -95,10 +95,10 @@ void FaceMeshNode::onDrawSelf(const Mat4& matrix) {
         mMesh = {};
         mSource = {};
     }
-    if (mMesh.still == mMesh.count) {
-        RenderTexture::onDrawSelf(matrix);
-    } else {
+    if (drawsMesh()) {
         drawMesh();
+    } else {
+        RenderTexture::onDrawSelf(matrix);
     }
 }
 

@@ -52,8 +52,11 @@ protected:
     void setEffectProgram(Program* program);
     Program* getEffectProgram() const;
 
-    /// Tells that a value that the mesh depends on, or whether the effect is on, has changed.
+    /// Tells that a value that the mesh depends on, or whether the effect is on, has changed: the next draw
+    /// makes a mesh anew.
     void settingsChanged();
+    /// Whether the last draw found something to change.
+    bool drawsMesh() const { return mMesh.still != mMesh.count; }
     const FaceInput& faces() const { return *mFaces; }
     FaceGrid& grid() { return *mGrid; }
     /// Of a place in pixels.

@@ -53,13 +53,19 @@ void FaceShapeNode::updateFaceShape(int type, float value) {
         return;
     }
     // A value that is no number counts as none.
-    mValues[static_cast<std::size_t>(type)] = value == value ? std::clamp(value, -1.0F, 1.0F) : 0.0F;
-    settingsChanged();
+    const float cut = value == value ? std::clamp(value, -1.0F, 1.0F) : 0.0F;
+    float& kept = mValues[static_cast<std::size_t>(type)];
+    if (cut != kept) {
+        kept = cut;
+        settingsChanged();
+    }
 }
 
 void FaceShapeNode::setClipEdge(float pixels) {
-    mClipEdge = pixels;
-    settingsChanged();
+    if (pixels != mClipEdge) {
+        mClipEdge = pixels;
+        settingsChanged();
+    }
 }
 
 float FaceShapeNode::getFaceShape(int type) const {

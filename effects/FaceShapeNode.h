@@ -65,13 +65,13 @@ public:
     float getClipEdge() const { return mClipEdge; }
 
     /// Moves places of the picture to where the node shows them, for what is drawn over reshaped faces; as
-    /// the latest faces and the values are, to a hundredth of a pixel.
+    /// the latest faces and the values are; to a hundredth of a pixel, half a pixel where much moves.
     /// @param places in pixels of this node's picture, origin bottom left
     void movePlaces(Vec2f* places, std::size_t count) const;
 
-    /// The triangle strip that the last draw used, in clip and texture coordinates; empty when the picture
-    /// was drawn unchanged.
-    const std::vector<V2F_T2F>& getMesh() const { return mStrip; }
+    /// A copy of the triangle strip that the last draw used, in clip and texture coordinates; empty when the
+    /// picture was drawn unchanged.
+    std::vector<V2F_T2F> getMesh() const { return drawsMesh() ? mStrip : std::vector<V2F_T2F>(); }
 
     using FaceMeshNode::init;
 

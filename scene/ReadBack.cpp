@@ -75,6 +75,7 @@ void ReadBack::read(UniqueDataPtr<unsigned char>& out, PxFormat format, const Vi
         zeroFrom(out, 0);
         return;
     }
+    // What is larger than any texture was never drawn.
     if (!canBeDrawn || readBytes > (mBuffers[0] != 0 ? mBytes : tableBytes)) {
         skip(out, format, readBytes);
         return;

@@ -49,9 +49,9 @@ public:
     /// target that it holds at the moment too; its owner gets its own size back when it next renders.
     virtual void resetSize(const TVec<2, unsigned short>& size);
 
-    /// Draws the scene into the texture; nothing when there is no target of that size. Frame buffer, view
-    /// port and, when the frame buffer is shared with a pass that is under way, its target are as before
-    /// afterwards. Ignored from inside itself.
+    /// Draws the scene into the texture; nothing when there is no target, since GL refused its size. Frame
+    /// buffer, view port and, when the frame buffer is shared with a pass that is under way, its target are
+    /// as before afterwards. Ignored from inside itself.
     virtual void renderToTexture();
 
     /// Who takes the input of this object, for a nest of render textures its first pass; here this object.
