@@ -13,34 +13,9 @@ import struct
 import sys
 import tarfile
 
+from protocol_buffer import fields, number
+
 ASSETS = "package/face_mesh_solution_packed_assets"
-
-
-def number(data, at):
-    """A variable-length number and the place behind it."""
-    value = shift = 0
-    while True:
-        byte = data[at]
-        at += 1
-        value |= (byte & 127) << shift
-        shift += 7
-        if byte < 128:
-            return value, at
-
-
-def fields(data):
-    """The message's fields: number, kind, value."""
-    at = 0
-    while at < len(data):
-        tag, at = number(data, at)
-        kind = tag & 7
-        if kind == 0:
-            value, at = number(data, at)
-        else:
-            size, at = (8, at) if kind == 1 else (4, at) if kind == 5 else number(data, at)
-            value = data[at : at + size]
-            at += size
-        yield tag >> 3, kind, value
 
 
 def unpack(message, field, single, packed):

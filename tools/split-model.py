@@ -5,59 +5,16 @@
 
 writes blazeface_back_1.onnx, which ends at that tensor of that shape, and blazeface_back_2.onnx, which begins there.
 Everything that comes behind the tensor may depend on what lies before it through the tensor alone. Only the standard
-library is used; a model is a protocol buffer, whose messages are read and written here as lists of fields."""
+library is used; a model is a protocol buffer."""
 import sys
+
+from protocol_buffer import fields, message
 
 MODEL_GRAPH = 7
 GRAPH_NODE, GRAPH_INITIALIZER, GRAPH_INPUT, GRAPH_OUTPUT = 1, 5, 11, 12
 NODE_INPUT, NODE_OUTPUT = 1, 2
 TENSOR_NAME = 8
 FLOAT = 1
-
-
-def number(data, at):
-    """A variable-length number and the place behind it."""
-    value = shift = 0
-    while True:
-        byte = data[at]
-        at += 1
-        value |= (byte & 127) << shift
-        shift += 7
-        if byte < 128:
-            return value, at
-
-
-def coded(value):
-    out = bytearray()
-    while value > 127:
-        out.append(value & 127 | 128)
-        value >>= 7
-    out.append(value)
-    return bytes(out)
-
-
-def fields(data):
-    """(number, kind, content) of each field; contents stay bytes, but for numbers."""
-    at = 0
-    while at < len(data):
-        key, at = number(data, at)
-        if key & 7 == 0:
-            content, at = number(data, at)
-        else:
-            size, at = number(data, at) if key & 7 == 2 else ({1: 8, 5: 4}[key & 7], at)
-            content, at = data[at:at + size], at + size
-        yield key >> 3, key & 7, content
-
-
-def message(parts):
-    out = bytearray()
-    for field, kind, content in parts:
-        out += coded(field << 3 | kind)
-        if kind == 0:
-            out += coded(content)
-        else:
-            out += (coded(len(content)) if kind == 2 else b"") + content
-    return bytes(out)
 
 
 def texts(data, field):

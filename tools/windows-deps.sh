@@ -5,8 +5,8 @@
 #   tools/windows-deps.sh            builds into the user's cache
 #   JOBS=1 tools/windows-deps.sh     with that many compilers at once (default: all cores)
 #
-# The folder's name carries a hash of this script, of the toolchain file and of the package versions, so that an update of
-# any of them makes a new one.
+# The folder's name carries a hash of this script, of the one that fetches the sources, of the toolchain file and of the
+# package versions, so that an update of any of them makes a new one.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -17,7 +17,8 @@ say() { printf '%s\n' "$*" >&2; }
 
 versions=$(dpkg-query -W -f '${Package} ${Version}\n' \
     libpng-dev libglew-dev googletest libz-mingw-w64-dev g++-mingw-w64-x86-64-posix)
-key=$( { cat "${BASH_SOURCE[0]}" "$toolchain"; printf '%s\n' "$versions"; } | sha256sum | cut -c1-12)
+key=$( { cat "${BASH_SOURCE[0]}" "$here/debian-sources.sh" "$toolchain"; printf '%s\n' "$versions"; } |
+    sha256sum | cut -c1-12)
 cache="${XDG_CACHE_HOME:-${HOME:?}/.cache}/zorvik"
 prefix="$cache/windows-deps-$key"
 
@@ -28,45 +29,6 @@ fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-
-# The machine's own Debian archives, asked for sources; the system's apt configuration stays as it is.
-write_source_list() {
-    local keyring=/usr/share/keyrings/debian-archive-keyring.gpg option=""
-    [ -e "$keyring" ] && option="[signed-by=$keyring] "
-    apt-get indextargets --format '$(ORIGIN)|$(REPO_URI)|$(RELEASE)|$(COMPONENT)' 'Created-By: Packages' |
-        awk -F'|' -v option="$option" '$1 == "Debian" && $4 == "main" { print "deb-src " option $2 " " $3 " main" }' |
-        sort -u >"$work/sources.list"
-    if ! [ -s "$work/sources.list" ]; then
-        say "windows-deps: apt knows no Debian archive yet: run 'apt-get update' once"
-        return 1
-    fi
-}
-
-private_apt() {
-    local program=$1
-    shift
-    "$program" -qq -o Dir::Etc::SourceList="$work/sources.list" -o Dir::Etc::SourceParts=- \
-        -o Dir::State::Lists="$work/lists" -o Dir::Cache="$work/cache" -o APT::Sandbox::User="$(id -un)" "$@"
-}
-
-fetch_sources() {
-    mkdir -p "$work/lists/partial" "$work/cache/archives/partial" "$work/sources"
-    write_source_list
-    private_apt apt-get update
-    fetch_source libpng1.6
-    fetch_source glew
-}
-
-# fetch_source PACKAGE: the newest version that can be had. An archive may list one that its mirror does not hold yet.
-fetch_source() {
-    local version
-    for version in $(private_apt apt-cache showsrc "$1" | awk '$1 == "Version:" { print $2 }' | sort -Vru); do
-        (cd "$work/sources" && private_apt apt-get source "$1=$version" >>"$work/fetch.log" 2>&1) && return 0
-        say "windows-deps: $1 $version cannot be fetched, trying the one before"
-    done
-    cat "$work/fetch.log" >&2
-    return 1
-}
 
 # build NAME SOURCE [cmake arguments]
 build() {
@@ -81,7 +43,9 @@ build() {
 }
 
 say "windows-deps: fetching sources"
-fetch_sources >&2
+. "$here/debian-sources.sh"
+mkdir "$work/sources"
+fetch_debian_sources "$work/sources" libpng1.6 glew
 build png "$(echo "$work"/sources/libpng1.6-*/)" -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DPNG_EXECUTABLES=OFF
 build glew "$(echo "$work"/sources/glew-*/)build/cmake" -DBUILD_UTILS=OFF
 build gtest /usr/src/googletest -DBUILD_GMOCK=OFF
