@@ -1,7 +1,6 @@
 // The beauty options of zvfx, as a user sees them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -66,18 +65,6 @@ TEST(ZvfxBeautyPicture, NeutralSettingsKeepThePicture) {
     expectNear(result(folder, {"--lut", folder.file("t512.png")}), opaque, 1, 0.5, "zvfx-lut-512");
     expectNear(result(folder, {"--lut", folder.file("t64.png") + ",1"}), opaque, 1, 0.5, "zvfx-lut-64");
     expectNear(result(folder, {"--lut", "film,0"}), opaque, 1, 0.1, "zvfx-lut-0");
-}
-
-TEST(ZvfxBeautyPicture, LooksAreFoundByNameAndMonoIsGrey) {
-    const TempDir folder;
-    ASSERT_TRUE(Picture::noise(32, 32, 5).save(folder.file("in.png")));
-    const Picture out = result(folder, {"--lut", "mono"});
-    for (int y = 0; y < out.height; ++y) {
-        for (int x = 0; x < out.width; ++x) {
-            const Pixel p = out.at(x, y);
-            ASSERT_LE(std::max({p[0], p[1], p[2]}) - std::min({p[0], p[1], p[2]}), 2) << x << " " << y;
-        }
-    }
 }
 
 TEST(ZvfxBeautyPicture, TablesThatCannotBeUsedAreToldApart) {

@@ -4,27 +4,11 @@
 #include <nlohmann/json.hpp>
 
 #include "apps/RunProgram.h"
+#include "gl/PictureFiles.h"
 #include "support/Picture.h"
 #include "support/TempDir.h"
 
 namespace zv::test {
-
-namespace {
-
-/// A PNG header that promises a size and holds nothing.
-std::string emptyPng(std::uint32_t width, std::uint32_t height) {
-    std::string bytes = "\x89PNG\r\n\x1a\n";
-    bytes.append("\0\0\0\rIHDR", 8);
-    for (const std::uint32_t value : {width, height}) {
-        for (int shift = 24; shift >= 0; shift -= 8) {
-            bytes += static_cast<char>(value >> shift);
-        }
-    }
-    bytes.append("\x08\x02\0\0\0\0\0\0\0", 9);
-    return bytes.append("\0\0\0\0IDAT\0\0\0\0", 12);
-}
-
-}  // namespace
 
 TEST(ZvfxCommandLine, HelpAndVersionGoToStandardOutput) {
     const ProgramResult help = runZvfx({"--help"});
@@ -147,6 +131,12 @@ TEST_P(ZvfxFailedWork, EndsWithOneSaysWhyAndLeavesTheOldOutput) {
     EXPECT_EQ(folder.entries(), before);
 }
 
+/// As many black pixels, of a bit each.
+std::string blackPng(std::uint32_t width, std::uint32_t height) {
+    const Bytes file = pngFile({width, height, 1, 0, Bytes(std::size_t{width + 7} / 8 * height)});
+    return {file.begin(), file.end()};
+}
+
 std::string validPng() {
     const TempDir folder;
     EXPECT_TRUE(Picture::noise(40, 40).save(folder.file("a.png")));
@@ -160,8 +150,8 @@ INSTANTIATE_TEST_SUITE_P(
         FailureCase{"FolderAsInput", "folder.png", "", {}, "is a folder"},
         FailureCase{"NoPicture", "a.png", "this is a text", {}, "is no PNG, BMP or JPEG picture"},
         FailureCase{"CutShort", "a.png", validPng().substr(0, 2000), {}, "cannot be decoded"},
-        FailureCase{"TooWide", "a.png", emptyPng(70000, 1), {}, "65535"},
-        FailureCase{"TooMuchMemory", "a.png", emptyPng(8193, 8192), {}, "256 MiB"},
+        FailureCase{"TooWide", "a.png", blackPng(70000, 1), {}, "65535"},
+        FailureCase{"TooMuchMemory", "a.png", blackPng(8193, 8192), {}, "256 MiB"},
         FailureCase{"OutputTooMuchMemory", "a.png", validPng(), {"--size", "60000x60000"}, "256 MiB"},
         FailureCase{"WiderThanGl", "a.png", validPng(), {"--size", "65535x1"}, "pixels wide and high"},
         FailureCase{"NoShaders", "a.png", validPng(), {"--res", "@folder.png"}, "holds no zv_res/shaders"},

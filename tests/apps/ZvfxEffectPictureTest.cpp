@@ -25,7 +25,7 @@ Picture result(const TempDir& folder, const std::vector<std::string>& options) {
 bool hasColours(const Picture& picture) {
     for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
         const auto [least, most] = std::minmax({picture.rgba[i], picture.rgba[i + 1], picture.rgba[i + 2]});
-        if (most - least > 60) {
+        if (most - least > 2) {
             return true;
         }
     }
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(, ZvfxEffectPicture,
 
 TEST(ZvfxOverPicture, AnEffectLiesOverAllOthers) {
     const TempDir folder;
-    ASSERT_TRUE(Picture(64, 48, {120, 120, 120, 255}).save(folder.file("in.png")));
+    ASSERT_TRUE(Picture::noise(64, 48).save(folder.file("in.png")));
     // The paint of a stroke keeps its colour: it is not put through the table that takes colours away.
     EXPECT_TRUE(hasColours(result(folder, {"--effect", "graffiti", "--frames", "75", "--lut", "mono"})));
     EXPECT_FALSE(hasColours(result(folder, {"--lut", "mono"})));

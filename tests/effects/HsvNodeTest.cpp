@@ -1,11 +1,8 @@
 #include "effects/HsvNode.h"
 
-#include "core/FileUtil.h"
 #include "gl/Program.h"
 #include "support/EngineTest.h"
 #include "support/GLCallRecorder.h"
-#include "support/LogCapture.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 
@@ -39,16 +36,6 @@ TEST_F(HsvNodeTest, SendsTheWholeVectorAtOnceAndOnlyWhenItChanges) {
     EXPECT_EQ(recorder.callsOf("glUseProgram").back().integer(0), node->getProgram()->getName());
     EXPECT_EQ(other->getHue(), 1);
     EXPECT_EQ(sent(), (Vectors{{2, 0, 100}}));
-}
-
-TEST_F(HsvNodeTest, AProgramWithoutTheUniformKeepsTheValuesToItself) {
-    const TempDir withoutShaders;
-    const LogCapture log;
-    FileUtil::getInstance()->setZvRoot(withoutShaders.path());
-    HsvNode* node = HsvNode::create({8, 4}, nullptr, PXFORMAT_RGBA8888);
-    ASSERT_NE(node, nullptr);
-    node->setHue(0.5F);
-    EXPECT_EQ(node->getHue(), 0.5F);
 }
 
 }  // namespace zv::test

@@ -8,7 +8,6 @@
 
 #include "core/FileUtil.h"
 #include "files/PeakMemory.h"
-#include "gl/Image.h"
 #include "gl/PictureFiles.h"
 #include "support/Picture.h"
 #include "support/TempDir.h"
@@ -30,24 +29,6 @@ void putNumber(Bytes& bytes, std::size_t at, std::uint32_t value) {
     for (std::size_t i = 0; i < 4; ++i) {
         bytes.at(at + i) = static_cast<unsigned char>(value >> (24 - 8 * i));
     }
-}
-
-/// Decodes, and looks at every byte that an answer of true promises.
-bool decodes(const std::string& path) {
-    Image image;
-    ::testing::internal::CaptureStdout();  // what is no BMP is told there
-    const bool answer = image.initWithFile(path);
-    ::testing::internal::GetCapturedStdout();
-    if (!answer) {
-        return false;
-    }
-    std::uint64_t sum = 0;
-    for (std::uint64_t i = 0; i < image.getImageSize(); ++i) {
-        sum += *image.getData().get(i);
-    }
-    EXPECT_LE(sum, image.getImageSize() * 255);
-    EXPECT_GE(image.getImageSize(), std::uint64_t{image.getSize().x} * image.getSize().y);
-    return image.getImageSize() > 0;
 }
 
 /// Every picture that lies below a folder.

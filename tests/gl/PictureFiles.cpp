@@ -1,9 +1,12 @@
 #include "gl/PictureFiles.h"
 
+#include <gtest/gtest.h>
 #include <png.h>
 
 #include <algorithm>
 #include <utility>
+
+#include "gl/Image.h"
 
 namespace zv::test {
 
@@ -71,6 +74,23 @@ Bytes bmpFile(const BmpContent& content) {
             file[offset + i] = static_cast<unsigned char>(value >> (8 * i));
     std::copy(content.pixels.begin(), content.pixels.end(), file.begin() + 54);
     return file;
+}
+
+bool decodes(const std::string& path) {
+    Image image;
+    ::testing::internal::CaptureStdout();  // what is no BMP is told there
+    const bool answer = image.initWithFile(path);
+    ::testing::internal::GetCapturedStdout();
+    if (!answer) {
+        return false;
+    }
+    std::uint64_t sum = 0;
+    for (std::uint64_t i = 0; i < image.getImageSize(); ++i) {
+        sum += *image.getData().get(i);
+    }
+    EXPECT_LE(sum, image.getImageSize() * 255);
+    EXPECT_GE(image.getImageSize(), std::uint64_t{image.getSize().x} * image.getSize().y);
+    return image.getImageSize() > 0;
 }
 
 }  // namespace zv::test

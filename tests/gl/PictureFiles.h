@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace zv::test {
@@ -34,5 +35,8 @@ struct BmpContent {
 };
 
 Bytes bmpFile(const BmpContent& content);
+
+/// Whether the engine's reader takes that file; looks at every byte that its answer promises.
+bool decodes(const std::string& path);
 
 }  // namespace zv::test

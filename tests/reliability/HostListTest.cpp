@@ -1,5 +1,4 @@
 // The host guide's list of what a frame changes, beside what it does change.
-#include <regex>
 #include <set>
 
 #include "effects/BeautyTest.h"
@@ -49,13 +48,13 @@ Names listed() {
     const std::string guide = readFile(ZV_TEST_DATA_DIR "/../docs/host-guide.md");
     const std::size_t start = guide.find("| State | GL's names for it |"), end = guide.find("\n\n", start);
     const std::string table = start != std::string::npos ? guide.substr(start, end - start) : std::string();
-    const std::regex name("`(GL_[A-Z0-9_]+)`");
     Names names;
-    for (std::sregex_iterator it(table.begin(), table.end(), name); it != std::sregex_iterator(); ++it) {
-        const bool isOfAttributes = (*it)[1].str().find("VERTEX_ATTRIB") != std::string::npos;
-        const bool isOfArrays = (*it)[1] == "GL_VERTEX_ARRAY_BINDING";
+    for (std::size_t at = table.find("`GL_"); at != std::string::npos; at = table.find("`GL_", at + 1)) {
+        const std::string name = table.substr(at + 1, table.find('`', at + 1) - at - 1);
+        const bool isOfAttributes = name.find("VERTEX_ATTRIB") != std::string::npos;
+        const bool isOfArrays = name == "GL_VERTEX_ARRAY_BINDING";
         if (hasVersion(300) ? !isOfAttributes : !isOfArrays) {
-            names.insert((*it)[1]);
+            names.insert(name);
         }
     }
     return names;

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "scene/MediaPipelineTest.h"
-#include "support/GLCallRecorder.h"
 
 namespace zv::test {
 
@@ -33,17 +32,6 @@ TEST_F(ZVMediaEngineEdgeTest, AClearedChainLeavesNoStalePictureOverTheLiveOne) {
                                         media->getInputSprite()->getTexture(0)->getRect());
     frame();
     EXPECT_EQ(pictureOf(media->getLastRenderTexture()->getTexture(0)), live);
-}
-
-TEST_F(ZVMediaEngineEdgeTest, AFrameWithoutInputLeavesTheScreenAlone) {
-    auto* input = new Sprite;
-    input->autorelease();
-    input->init();
-    media->init(input, kSize, nullptr, true);
-    media->setLastRenderTexture(RenderTexture::create(kSize, nullptr, PXFORMAT_RGB888), true);
-    const GLCallRecorder recorder;
-    frame();
-    EXPECT_EQ(recorder.countDraws(), 0U);
 }
 
 TEST_F(ZVMediaEngineEdgeTest, TheScreenKeepsTheInputWhenTheLastRenderTextureIsSwitchedOff) {

@@ -95,6 +95,8 @@ TEST_F(ZVMediaEngineTest, OnlyWithAnInputTextureAlgorithmsRunAndThenSomethingIsD
     media->init(input, kSize, nullptr, false);
     const GLCallRecorder recorder;
     frame();
+    media->setRenderToScreen(true);
+    frame();
     // A texture without a GL name counts as none.
     input->setTexture(autoreleased(new Texture2D), RectF(0, 0, 1, 1));
     frame();
