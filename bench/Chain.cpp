@@ -57,7 +57,7 @@ struct Contest {
 void addFloor(Race& race, const char* name, Contest& contest, bool finish) {
     race.add(
         name, [&] { contest.floorRig.makeCurrent(); }, [&, finish] { contest.floor->drawFrame(finish); },
-        [] { glFinish(); });
+        [] { glFinish(); }, Race::FRAMES_OF_A_STREAM);
 }
 
 void addEngine(Race& race, const char* name, Contest& contest, bool finish) {
@@ -67,7 +67,7 @@ void addEngine(Race& race, const char* name, Contest& contest, bool finish) {
             contest.engine.makeCurrent();
             contest.engine.engine().setFinishAfterRender(finish);
         },
-        [&] { contest.engine.frame(); }, [] { glFinish(); });
+        [&] { contest.engine.frame(); }, [] { glFinish(); }, Race::FRAMES_OF_A_STREAM);
 }
 
 std::vector<std::string> rowOf(const Race& race, std::size_t way, std::size_t copy, double ratio) {
@@ -144,9 +144,13 @@ bool measureChain(const Options& options, const Frame& frame, Report& report) {
         table.rows.push_back(rowOf(race, i, copy, 0));
         table.rows.push_back(rowOf(race, i + 1, copy, race.ratio(i + 1, i).cpu));
     }
-    table.note = "Both make the same bytes (largest difference " + std::to_string(difference) +
-                 "). The wait is the `glFinish` with which the engine ends a frame unless "
-                 "`setFinishAfterRender(false)` is called.";
+    table.note =
+        "Both make the same bytes (largest difference " + std::to_string(difference) +
+        "). The wait is the `glFinish` with which the engine ends a frame unless "
+        "`setFinishAfterRender(false)` is called. A turn of each line is at least " +
+        std::to_string(Race::FRAMES_OF_A_STREAM) +
+        " frames with one `glFinish` behind the last, which is timed; without the wait that one is the "
+        "only one.";
     return report.add(table) && measureOverhead(options, frame, race.of(1).cpu, report);
 }
 

@@ -22,7 +22,7 @@ std::size_t addCopy(Race& race, FloorRig& rig, const Frame& frame) {
     rig.makeCurrent();
     const auto prices = floor::makePrices(frame);
     return race.add(
-        prices[0].name, [&rig] { rig.makeCurrent(); }, prices[0].frame);
+        prices[0].name, [&rig] { rig.makeCurrent(); }, [copy = prices[0]] { copy.frame(); });
 }
 
 std::size_t addRig(Race& race, const std::string& name, EngineRig& rig) {

@@ -41,8 +41,8 @@ private:
 
 /// Each measures one subject and adds its tables. False, with a line on standard error, when something that
 /// it needs is not there.
-bool measurePrices(const Options& options, const Frame& frame, Report& report);
 bool measureStages(const Options& options, const Frame& frame, Report& report);
+/// Two tables: the prices of the GL, and the passes of the beauty chain beside them.
 bool measureFetches(const Options& options, const Frame& frame, Report& report);
 bool measureChain(const Options& options, const Frame& frame, Report& report);
 bool measureHostCosts(const Options& options, const Frame& frame, Report& report);

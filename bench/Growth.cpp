@@ -95,6 +95,9 @@ struct Point {
 bool measureCurve(const Options& options, const Frame& frame, const Curve& curve, Report& report) {
     Race race;
     FloorRig floorRig;
+    if (!floorRig.isGood()) {
+        return complain("no GL context");
+    }
     const std::size_t copy = addCopy(race, floorRig, frame);
     std::vector<std::unique_ptr<Point>> points;
     for (const int count : curve.counts) {

@@ -65,10 +65,9 @@ bool measureSize(const Options& options, const std::string& only, int width, int
     }
     using Group = bool (*)(const Options&, const Frame&, Report&);
     const std::pair<const char*, Group> groups[] = {
-        {"prices", zv::bench::measurePrices},   {"stages", zv::bench::measureStages},
-        {"fetches", zv::bench::measureFetches}, {"chain", zv::bench::measureChain},
-        {"host", zv::bench::measureHostCosts},  {"peers", zv::bench::measurePeers},
-        {"passes", zv::bench::measurePasses},
+        {"fetches", zv::bench::measureFetches}, {"stages", zv::bench::measureStages},
+        {"chain", zv::bench::measureChain},     {"host", zv::bench::measureHostCosts},
+        {"peers", zv::bench::measurePeers},     {"passes", zv::bench::measurePasses},
     };
     bool good = true;
     for (const auto& [name, measure] : groups) {
@@ -100,10 +99,9 @@ int main(int argc, char** argv) {
     Options options{"res", "samples/portrait.png", "out/bench", false};
     std::string only;
     if (!parse(argc, argv, options, only)) {
-        std::fprintf(
-            stderr,
-            "usage: zv_bench [--quick] [--only prices|stages|fetches|chain|host|peers|growth|passes] "
-            "[--res DIR] [--picture FILE] [--out DIR]\n");
+        std::fprintf(stderr,
+                     "usage: zv_bench [--quick] [--only fetches|stages|chain|host|peers|growth|passes] "
+                     "[--res DIR] [--picture FILE] [--out DIR]\n");
         return 2;
     }
     // The engine's own file names start at its root.

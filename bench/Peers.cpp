@@ -56,7 +56,8 @@ struct Rigs {
 struct Subject {
     std::vector<std::size_t> ours;
     std::vector<std::size_t> theirs;
-    bool beyondPlain;  ///< ours count what goes beyond the engine's plain frame
+    bool beyondPlain;                      ///< ours count what goes beyond the engine's plain frame
+    std::vector<std::size_t> judged = {};  ///< of theirs: those that a target stands for
 };
 
 /// Ours first, with what of a frame is theirs, then the peers.
@@ -78,7 +79,8 @@ void addRows(const Race& race, const Subject& subject, std::size_t copy, std::si
     }
     for (const std::size_t way : subject.theirs) {
         const Seconds whole = race.ratio(way, copy);
-        row(way, whole, whole.wall / slowest, subject.beyondPlain);
+        row(way, whole, whole.wall / slowest,
+            std::find(subject.judged.begin(), subject.judged.end(), way) != subject.judged.end());
     }
 }
 
@@ -106,7 +108,11 @@ bool measurePeers(const Options& options, const Frame& frame, Report& report) {
 #endif
 #if defined(ZV_BENCH_AVFILTER)
     for (const Peer& peer : makeFfmpegPeers(frame, options.folder)) {
-        subjects[1].theirs.push_back(race.add(peer.name, {}, peer.frame));
+        const std::size_t way = race.add(peer.name, {}, peer.frame);
+        subjects[1].theirs.push_back(way);
+        if (peer.isDefault) {
+            subjects[1].judged.push_back(way);
+        }
     }
 #endif
 #if defined(ZV_BENCH_YUV)
@@ -126,8 +132,8 @@ bool measurePeers(const Options& options, const Frame& frame, Report& report) {
     table.note =
         "Ours draw from textures and leave the picture in one (I420 excepted), the peers work in memory. "
         "\"Times ours\" is a peer's time through that of our slowest line above it. Of our tables only what "
-        "goes "
-        "beyond the engine's plain frame counts.";
+        "goes beyond the engine's plain frame counts. FFmpeg's lut3d interpolates tetrahedrally unless told "
+        "otherwise, and is judged by that; the other is shown beside it.";
     return report.add(table);
 }
 

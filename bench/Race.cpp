@@ -46,8 +46,9 @@ Seconds Seconds::now() {
 }
 
 std::size_t Race::add(std::string name, std::function<void()> enter, std::function<void()> frame,
-                      std::function<void()> leave) {
-    mWays.push_back({std::move(name), std::move(enter), std::move(frame), std::move(leave), 0, {}, {}});
+                      std::function<void()> leave, int leastFrames) {
+    mWays.push_back(
+        {std::move(name), std::move(enter), std::move(frame), std::move(leave), leastFrames, 0, {}, {}});
     return mWays.size() - 1;
 }
 
@@ -71,7 +72,8 @@ void Race::turn(Way& way) {
     time(way, 1);
     if (way.frames == 0) {
         const double once = std::max(time(way, 1).wall, 1e-7);
-        way.frames = std::clamp(static_cast<int>(std::ceil(kTurnSeconds / once)), 1, kMostFrames);
+        way.frames =
+            std::clamp(static_cast<int>(std::ceil(kTurnSeconds / once)), way.leastFrames, kMostFrames);
     }
     way.turns.push_back(time(way, way.frames));
 }
@@ -85,6 +87,19 @@ void Race::run(int turns) {
     for (Way& way : mWays) {
         way.median = medianOf(way.turns.size(), [&](std::size_t i) { return way.turns[i]; });
     }
+}
+
+Seconds Race::quickest(std::size_t way) const {
+    const std::vector<Seconds>& turns = mWays[way].turns;
+    const auto lowerTenth = [&](double Seconds::*clock) {
+        std::vector<double> values;
+        for (const Seconds& turn : turns) {
+            values.push_back(turn.*clock);
+        }
+        std::sort(values.begin(), values.end());
+        return values.empty() ? 0.0 : values[values.size() / 10];
+    };
+    return {lowerTenth(&Seconds::wall), lowerTenth(&Seconds::cpu)};
 }
 
 Seconds Race::ratio(std::size_t way, std::size_t other) const {

@@ -17,7 +17,7 @@ namespace zv::bench::floor {
 /// besides. Needs a core context current at all times.
 class Beauty {
 public:
-    /// What the shader of a pass reads for each pixel of its target.
+    /// What the shader of a pass reads for each pixel of its target. Smoothing reads more around spots.
     struct Fetches {
         int linear;
         int nearest;  ///< the table's, and whole pixels

@@ -54,13 +54,17 @@ struct TwoBuffers {
 
 std::function<void()> pass(const Target& target, unsigned int program, unsigned int quad,
                            unsigned int texture) {
-    return [=] {
-        draw(target, 0, target.height, program, quad, {texture});
-        glFinish();
-    };
+    return [=] { draw(target, 0, target.height, program, quad, {texture}); };
 }
 
 }  // namespace
+
+void Price::frame() const {
+    order();
+    if (waits) {
+        glFinish();
+    }
+}
 
 std::vector<Price> makePrices(const Frame& frame) {
     const int w = frame.width;
@@ -91,15 +95,14 @@ std::vector<Price> makePrices(const Frame& frame) {
              glBindFramebuffer(GL_FRAMEBUFFER, rgba.frameBuffer);
              glReadPixels(0, 0, rgba.width, rgba.height, GL_RGBA, GL_UNSIGNED_BYTE, bytes->data());
          },
-         4 * pixels},
-        {"read of RGBA through two buffers, with copy", [=] { buffers->read(rgba); }, 4 * pixels},
+         4 * pixels, false},
+        {"read of RGBA through two buffers, with copy", [=] { buffers->read(rgba); }, 4 * pixels, false},
         {"upload of RGBA",
          [=, &frame] {
              glActiveTexture(GL_TEXTURE0);
              glBindTexture(GL_TEXTURE_2D, rgba.texture);
              glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, frame.width, frame.height, GL_RGBA, GL_UNSIGNED_BYTE,
                              frame.rgba.data());
-             glFinish();
          },
          4 * pixels},
     };

@@ -13,8 +13,12 @@ namespace zv::bench::floor {
 /// Something that GL does, alone, and what it reads and writes.
 struct Price {
     std::string name;
-    std::function<void()> frame;  ///< does it once and waits
+    std::function<void()> order;  ///< does it once; it may still be going on afterwards
     double bytes = 0;             ///< of memory that it must touch
+    bool waits = true;            ///< false for reads, which wait for what they need themselves
+
+    /// Does it once, and waits if it is to.
+    void frame() const;
 };
 
 /// The unit of all figures: one pass that copies the frame through a linear filter. The first price.

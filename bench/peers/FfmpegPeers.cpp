@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 #include "bench/Frame.h"
 #include "bench/peers/Peers.h"
@@ -18,6 +19,7 @@ namespace zv::bench {
 namespace {
 
 constexpr int kLevels = 64;
+constexpr std::string_view kDefaultInterpolation = "tetrahedral";
 
 /// A table of 64 levels that darkens a little, as Adobe's .cube text.
 bool writeTable(const std::string& path) {
@@ -99,8 +101,10 @@ std::vector<Peer> makeFfmpegPeers(const Frame& frame, const std::string& folder)
         const auto graph = std::make_shared<Graph>(frame, "file='" + path + "':interp=" + kind);
         graph->run();
         if (graph->isGood()) {
-            peers.push_back(
-                {std::string("FFmpeg lut3d 64, ") + kind + ", 2 threads", [graph] { graph->run(); }});
+            const bool isDefault = kind == kDefaultInterpolation;
+            peers.push_back({std::string("FFmpeg lut3d 64, ") + kind + (isDefault ? " (its default)" : "") +
+                                 ", 2 threads",
+                             [graph] { graph->run(); }, isDefault});
         }
     }
     std::remove(path.c_str());
