@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -150,7 +151,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "face_bench: give a picture with one face and the folder of zv_res\n");
         return 2;
     }
-    zv::FileUtil::getInstance()->setZvRoot(argv[2]);
+    const std::string picture = std::filesystem::absolute(argv[1]).string();
+    zv::FileUtil::getInstance()->setZvRoot(std::filesystem::absolute(argv[2]).string());
     const auto context = zv::host::HeadlessContext::create(zv::host::HeadlessContext::Kind::Core);
     if (context == nullptr) {
         std::fprintf(stderr, "face_bench: no GL context\n");
@@ -158,7 +160,7 @@ int main(int argc, char** argv) {
     }
     bool isGood = true;
     {
-        Stage stage(context, argv[1]);
+        Stage stage(context, picture.c_str());
         stage.frame(CLOCK_PROCESS_CPUTIME_ID);
         const double before = residentMegabytes();
         if (!stage.attach(FaceFinder::Mode::InStep)) {
@@ -173,7 +175,7 @@ int main(int argc, char** argv) {
                     kMemoryLimit);
         isGood = memory <= kMemoryLimit && isGood;
     }
-    Stage stage(context, argv[1]);
+    Stage stage(context, picture.c_str());
     isGood = stage.attach(FaceFinder::Mode::Live) && isGood;
     const Times times = measure(stage, CLOCK_THREAD_CPUTIME_ID, std::chrono::milliseconds(20));
     return report("live, one face, the thread that draws", times, kLiveLimit) && isGood ? 0 : 1;
