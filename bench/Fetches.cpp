@@ -2,6 +2,9 @@
 // beside what its fetches cost by these prices.
 #include <GL/glew.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "bench/Groups.h"
 #include "bench/Race.h"
 #include "bench/Report.h"
@@ -23,18 +26,28 @@ double copiesOf(const Race& race, std::size_t way) {
     return race.quickest(way).cpu / race.quickest(kLinearCopy).cpu;
 }
 
-/// In copy passes of the whole frame.
+/// In copy passes of the whole frame. The first fetch of a texture costs more than one beside it.
 struct Prices {
-    double linear;   ///< one more fetch
-    double nearest;  ///< one more fetch
-    double pass;     ///< a pass without any: the constant colour
+    struct Fetch {
+        double first, next;
+
+        double of(int fetches, int textures) const { return textures * first + (fetches - textures) * next; }
+    };
+    double pass;  ///< one without any fetch: the constant colour
+    Fetch linear, nearest;
 
     explicit Prices(const Race& race)
-        : linear(copiesOf(race, kTwoLinear) - copiesOf(race, kLinearCopy)),
-          nearest(copiesOf(race, kTwoNearest) - copiesOf(race, kNearestCopy)),
-          pass(copiesOf(race, kConstant)) {}
+        : pass(copiesOf(race, kConstant)),
+          linear{1 - pass, copiesOf(race, kTwoLinear) - 1},
+          nearest{copiesOf(race, kNearestCopy) - pass,
+                  copiesOf(race, kTwoNearest) - copiesOf(race, kNearestCopy)} {}
+
     double of(const Pass& p, double part) const {
-        return part * (pass + p.fetches.linear * linear + p.fetches.nearest * nearest);
+        const auto textures = static_cast<int>(std::count_if(
+            std::begin(p.textures), std::end(p.textures), [](unsigned int texture) { return texture != 0; }));
+        const int nearestTextures = p.fetches.nearest > 0 ? 1 : 0;  // the table, or the picture to be packed
+        return part * (pass + linear.of(p.fetches.linear, textures - nearestTextures) +
+                       nearest.of(p.fetches.nearest, nearestTextures));
     }
 };
 
@@ -106,8 +119,9 @@ bool tellPasses(const Race& race, std::size_t first, const floor::Beauty& beauty
     table.note =
         "Written by hand, each pass alone and waited for; of each the quickest turns, in one race with the "
         "prices of the GL. Prices, in copies: a pass without a fetch, which is the constant colour, " +
-        number(prices.pass) + ", a linear fetch " + number(prices.linear) + ", a nearest one " +
-        number(prices.nearest) + "; by them the copy comes to " + number(prices.pass + prices.linear) + ". " +
+        number(prices.pass) + "; the first fetch of a texture, linear " + number(prices.linear.first) +
+        " and nearest " + number(prices.nearest.first) + "; one more, linear " + number(prices.linear.next) +
+        " and nearest " + number(prices.nearest.next) + ". " +
         (isSoftware()
              ? "Smoothing counts 7 fetches: its 6, and the first turn of the loop around a spot, which "
                "a software GL runs for every pixel. "
