@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <ostream>
 
 #include "core/FileUtil.h"
 #include "core/imemstream.h"
@@ -96,8 +98,14 @@ struct Sample {
     Reader read;
 };
 
+/// What a failing test is told with.
+void PrintTo(const Sample& sample, std::ostream* out) {
+    *out << sample.path;
+}
+
 /// What is shipped and has a reader, and a picture of the other kind.
-std::vector<Sample> samples(const TempDir& dir) {
+std::vector<Sample> samples() {
+    static const TempDir dir;
     std::vector<Sample> found;
     dir.write("a.bmp", bmpFile({5, 3, Bytes(48, 7), 48}));
     for (const std::string& folder :
@@ -125,43 +133,52 @@ bool isWhole(const Sample& sample, std::size_t at) {
            (sample.read == readTrack || sample.bytes.find_first_not_of(" \r\n\t", at) == std::string::npos);
 }
 
+/// One test for each file, so that a long run shows how far it is and can be dealt out to several cores.
+class DamagedFiles : public testing::TestWithParam<Sample> {};
+
 }  // namespace
 
-TEST(DamagedFiles, AreRefusedOrReadAndNothingElseBreaks) {
-    const TempDir dir;
-    const std::vector<Sample> all = samples(dir);
-    ASSERT_GE(all.size(), 50U);
+TEST(DamagedFilesThemselves, AreMadeOfAllThatIsShipped) {
+    EXPECT_GE(samples().size(), 50U);
+}
+
+TEST_P(DamagedFiles, AreRefusedOrReadAndNothingElseBreaks) {
+    const Sample& sample = GetParam();
     auto made = std::make_unique<DamagedFile>();
     DamagedFile* files = made.get();
+    files->path = sample.path;
     FileUtil::setInstance(std::move(made));
     const LogCapture log;  // what is refused is told there
-    std::size_t tried = 0;
-    for (const Sample& sample : all) {
-        SCOPED_TRACE(sample.path);
-        files->path = sample.path;
-        const auto reads = [&](std::string bytes) {
-            ++tried;
-            files->bytes = std::move(bytes);
-            return sample.read(sample.path);
-        };
-        const std::size_t size = sample.bytes.size();
-        const std::size_t few = size > 50000 ? 6 : 40;
-        const std::size_t step = isThorough() ? 97 : std::max<std::size_t>(97, size / few / 97 * 97);
-        for (std::size_t at = 0; at < size; at += step) {
-            EXPECT_TRUE(!reads(sample.bytes.substr(0, at)) || isWhole(sample, at)) << "cut at " << at;
-        }
-        const bool isModel = sample.path.find("/models/") != std::string::npos;  // of those every byte counts
-        const bool isEachBit = size < 4000 && (isThorough() || size < 200);
-        for (std::size_t bit = 0; bit < size * 8; bit += isEachBit ? 1 : step * 8 + 1) {
-            std::string flipped = sample.bytes;
-            flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ 1 << bit % 8);
-            EXPECT_FALSE(reads(flipped) && isModel) << "bit " << bit;
-        }
-        EXPECT_EQ(reads(sample.bytes), !isModel || sample.path.find("front") != std::string::npos)
-            << "the file as it was";
+    int tried = 0;
+    const auto reads = [&](std::string bytes) {
+        ++tried;
+        files->bytes = std::move(bytes);
+        return sample.read(sample.path);
+    };
+    const std::size_t size = sample.bytes.size();
+    const std::size_t few = size > 50000 ? 6 : 40;
+    const std::size_t step = isThorough() ? 97 : std::max<std::size_t>(97, size / few / 97 * 97);
+    for (std::size_t at = 0; at < size; at += step) {
+        EXPECT_TRUE(!reads(sample.bytes.substr(0, at)) || isWhole(sample, at)) << "cut at " << at;
     }
+    const bool isModel = sample.path.find("/models/") != std::string::npos;  // of those every byte counts
+    const bool isEachBit = size < 4000 && (isThorough() || size < 200);
+    for (std::size_t bit = 0; bit < size * 8; bit += isEachBit ? 1 : step * 8 + 1) {
+        std::string flipped = sample.bytes;
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ 1 << bit % 8);
+        EXPECT_FALSE(reads(flipped) && isModel) << "bit " << bit;
+    }
+    EXPECT_EQ(reads(sample.bytes), !isModel || sample.path.find("front") != std::string::npos)
+        << "the file as it was";
     FileUtil::setInstance(nullptr);
-    RecordProperty("tried", static_cast<int>(tried));
+    RecordProperty("tried", tried);
 }
+
+INSTANTIATE_TEST_SUITE_P(Shipped, DamagedFiles, testing::ValuesIn(samples()), [](const auto& each) {
+    std::string name = fs::u8path(each.param.path).filename().string() + '_' + std::to_string(each.index);
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    return name;
+});
 
 }  // namespace zv::test
