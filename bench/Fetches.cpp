@@ -45,9 +45,9 @@ struct Prices {
     double of(const Pass& p, double part) const {
         const auto textures = static_cast<int>(std::count_if(
             std::begin(p.textures), std::end(p.textures), [](unsigned int texture) { return texture != 0; }));
-        const int nearestTextures = p.fetches.nearest > 0 ? 1 : 0;  // the table, or the picture to be packed
-        return part * (pass + linear.of(p.fetches.linear, textures - nearestTextures) +
-                       nearest.of(p.fetches.nearest, nearestTextures));
+        const bool isLinear = p.fetches.linear > 0;  // no pass has fetches of both kinds
+        return part * (pass + (isLinear ? linear.of(p.fetches.linear, textures)
+                                        : nearest.of(p.fetches.nearest, textures)));
     }
 };
 

@@ -21,6 +21,7 @@ bool ColorTableNode::init(const TVec<2, unsigned short>& size, FrameBuffer* fram
 }
 
 void ColorTableNode::onDrawSelf(const Mat4& matrix) {
+    setPointwiseFilter();
     if (getTexture(1) != nullptr) {
         RenderTexture::onDrawSelf(matrix);
         return;

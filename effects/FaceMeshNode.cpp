@@ -96,8 +96,14 @@ void FaceMeshNode::onDrawSelf(const Mat4& matrix) {
         mSource = {};
     }
     if (drawsMesh()) {
+        setLinearFilter();
         drawMesh();
     } else {
+        if (getProgram() == mPlain.get()) {
+            setPointwiseFilter();
+        } else {
+            setLinearFilter();
+        }
         RenderTexture::onDrawSelf(matrix);
     }
 }

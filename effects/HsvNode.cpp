@@ -19,6 +19,11 @@ bool HsvNode::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer
     return true;
 }
 
+void HsvNode::onDrawSelf(const Mat4& matrix) {
+    setPointwiseFilter();
+    RenderTexture::onDrawSelf(matrix);
+}
+
 void HsvNode::setHue(float factor) {
     mAdjust[0] = factor;
     sendAdjust();

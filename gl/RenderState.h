@@ -54,6 +54,7 @@ public:
     void clearViewPorts() { mViewPorts.clear(); }
     /// The stack must not be empty.
     const ViewPort& getCurViewPort() const;
+    bool hasViewPort() const { return !mViewPorts.empty(); }
     /// Width and height of the render buffer bound to GL_RENDERBUFFER.
     Size16 getRenderBufferSize() const;
 

@@ -104,6 +104,15 @@ protected:
     /// Every render texture is initialised through this one. False when the sprite base fails.
     virtual bool init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format);
 
+    /// For the drawing of a point operation, whose program reads the picture only where it draws: gives the
+    /// own texture the nearest filter, which costs least, while it is drawn pixel for pixel, and the linear
+    /// one otherwise. A texture of the host's stays as it is. Who shows the texture on other ways sets the
+    /// filter that this needs; who gives a node that calls this a program that reads between texels finds
+    /// them unfiltered.
+    void setPointwiseFilter();
+    /// The linear filter, back after setPointwiseFilter().
+    void setLinearFilter();
+
     void setEnable(bool enable) { mEnable = enable; }
     bool isEnable() const { return mEnable; }
 
@@ -125,6 +134,7 @@ protected:
 private:
     void giveTargetItsSize();
     void showWholeTarget();
+    void setOwnFilter(std::int32_t filter);
 
     RefHolder<RenderTarget> mRenderTarget;
     PxFormat mPxFormat = PXFORMAT_NONE;

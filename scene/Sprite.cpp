@@ -315,6 +315,24 @@ void Sprite::checkTextureRectangle() {
     program->setUniform2fv("texSize", size, 1);
 }
 
+bool Sprite::isPixelForPixel() {
+    const Texture2D* texture = getTexture(0);
+    const RenderState* state = RenderState::getCurrent();
+    if (!texture || !state || !state->hasViewPort() || state->getCurViewPort().size != texture->getSize()) {
+        return false;
+    }
+    updateQuad();
+    const auto& corners = mQuad.vertices;
+    const TVec<2, float> first = corners[0].texCoords, last = corners[3].texCoords;
+    const auto isEnd = [](float coordinate) { return coordinate == 0.0F || coordinate == 1.0F; };
+    // Turned by a quarter, rows become columns: that keeps the size of a square only, which need not be told
+    // apart.
+    const bool isUpright = mRotationType == ROTATION_0 || mRotationType == ROTATION_180;
+    return isUpright && corners[0].vertices == TVec<2, float>(-1.0F, 1.0F) &&
+           corners[3].vertices == TVec<2, float>(1.0F, -1.0F) && isEnd(first.x) && isEnd(first.y) &&
+           isEnd(last.x) && isEnd(last.y) && first.x != last.x && first.y != last.y;
+}
+
 void Sprite::onDrawSelf(const Mat4&) {
     Program* program = getProgram();
     RenderState* state = RenderState::getCurrent();

@@ -86,6 +86,12 @@ public:
     /// Gives a sprite whose texture 0 is a rectangle texture the program for it, with the texture's size.
     void checkTextureRectangle();
 
+protected:
+    /// Whether each pixel of the view port shows just one texel of texture 0, by the vertices that would be
+    /// drawn now: the quad fills the view port, which has the texture's size, with the whole texture. Any
+    /// filter then answers with that texel.
+    bool isPixelForPixel();
+
 private:
     static constexpr unsigned kSlots = 4;
 

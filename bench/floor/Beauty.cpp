@@ -29,12 +29,12 @@ Beauty::Beauty(const std::string& resources, const Frame& frame)
       mSecondQuad(makeQuad(false, true)) {
     const std::string shaders = resources + "/zv_res/shaders";
     for (Target* half : {&mHalf[0], &mHalf[1], &mMean}) {
-        *half = makeTarget(mWidth / 2, mHeight / 2, 3);
+        *half = makeTarget(mWidth / 2, mHeight / 2, 3, true);
     }
     for (Target& full : mFull) {
-        full = makeTarget(mWidth, mHeight, 3);
+        full = makeTarget(mWidth, mHeight, 3, false);  // read pixel for pixel
     }
-    mPacked = makeTarget(mWidth / 4, mHeight * 3 / 2, 4);
+    mPacked = makeTarget(mWidth / 4, mHeight * 3 / 2, 4, false);
     makeSmoothing(shaders);
     makeColours(shaders, resources + "/zv_res/lookups");
     makePacking(shaders);
@@ -105,10 +105,10 @@ void Beauty::makeColours(const std::string& shaders, const std::string& lookups)
     setUniform(table, "intensity", {0.6F});
     setUniform(table, "image_direction", 0);
 
-    add("HSV", mFull[1], hsv, {1, 0}, mQuad, {mFull[0].texture});
-    add("whitening", mFull[0], white, {1, 8}, mQuad,
+    add("HSV", mFull[1], hsv, {0, 1}, mQuad, {mFull[0].texture});
+    add("whitening", mFull[0], white, {0, 9}, mQuad,
         {mFull[1].texture, loadTable(lookups + "/kel_white.png")});
-    add("colour table", mFull[1], table, {1, 8}, mQuad,
+    add("colour table", mFull[1], table, {0, 9}, mQuad,
         {mFull[0].texture, loadTable(lookups + "/natural-512.png")});
 }
 

@@ -52,8 +52,8 @@ unsigned int makeTexture(int width, int height, int texelBytes, bool linear, con
     return name;
 }
 
-Target makeTarget(int width, int height, int texelBytes) {
-    Target target{makeTexture(width, height, texelBytes, true, nullptr), 0, width, height, texelBytes};
+Target makeTarget(int width, int height, int texelBytes, bool linear) {
+    Target target{makeTexture(width, height, texelBytes, linear, nullptr), 0, width, height, texelBytes};
     glGenFramebuffers(1, &target.frameBuffer);
     glBindFramebuffer(GL_FRAMEBUFFER, target.frameBuffer);
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, target.texture, 0);

@@ -19,7 +19,7 @@ struct Target {
 
 /// Bytes 3 or 4, RGB or RGBA; `pixels` may be null.
 unsigned int makeTexture(int width, int height, int texelBytes, bool linear, const void* pixels);
-Target makeTarget(int width, int height, int texelBytes);
+Target makeTarget(int width, int height, int texelBytes, bool linear);
 
 /// A program of two sources in the dialect of the shader files; 0 and a line on standard error when it fails.
 unsigned int buildProgram(const std::string& vertex, const std::string& fragment);

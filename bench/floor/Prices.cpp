@@ -72,8 +72,8 @@ std::vector<Price> makePrices(const Frame& frame) {
     const auto pixels = static_cast<double>(frame.pixels());
     const unsigned int linear = makeTexture(w, h, 3, true, frame.rgb.data());
     const unsigned int nearest = makeTexture(w, h, 3, false, frame.rgb.data());
-    const Target target = makeTarget(w, h, 3);
-    const Target rgba = makeTarget(w, h, 4);
+    const Target target = makeTarget(w, h, 3, true);
+    const Target rgba = makeTarget(w, h, 4, true);
     const unsigned int quad = makeQuad(true, true);
     const unsigned int copy = fragmentProgram("gl_FragColor = texture2D(ZV_Tex0, v_texcoord);");
     const unsigned int twice = fragmentProgram(

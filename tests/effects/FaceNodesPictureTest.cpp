@@ -273,12 +273,19 @@ TEST_F(FaceNodesPicture, SmoothingSparesEyesBrowsLipsAndAllAround) {
 }
 
 TEST_F(FaceNodesPicture, FollowsTheDetectorOnlyWhileWantedAndAFrameMakesNothing) {
+    const auto wantAll = [&] {
+        setAll(~0U);
+        buffing->setFaceBuffing(1.0F);
+    };
+    startNodes(portrait);
+    wantAll();
+    const Picture here = shown({face});
+    const int atOnce = detector->calls;
     startNodes(portrait);
     shown({face});
-    EXPECT_EQ(detector->calls, 0) << "nobody wants faces";
-    setAll(~0U);
-    buffing->setFaceBuffing(1.0F);
-    const Picture here = shown({face});
+    EXPECT_EQ(detector->calls, atOnce) << "nobody wants faces";
+    wantAll();
+    EXPECT_EQ(shown({face}), here) << "filtered, as if it had never been drawn without faces";
     shown({placed(100, 128)});
     EXPECT_EQ(shown({face}), here);
     detector->faces = {placed(100, 128)};

@@ -1,9 +1,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 #include "BeautyTest.h"
 #include "effects/HsvNode.h"
+#include "gl/RenderState.h"
 
 namespace zv::test {
 
@@ -86,6 +89,82 @@ TEST_P(HsvNodePicture, FollowsTheFormulaOverTheWholeColourCube) {
     EXPECT_LE(farthest, 0.51);
     EXPECT_EQ(coloured, 0) << "a grey took on a hue";
     EXPECT_EQ(alphas, 0) << "alpha is the input's";
+}
+
+/// A point operation that leaves colours alone against a plain render texture, both drawn in every way.
+class PointwisePicture : public MediaTest {
+protected:
+    void SetUp() override {
+        MediaTest::SetUp();
+        RenderState::getCurrent()->begin();
+    }
+};
+
+TEST_F(PointwisePicture, IsFilteredUnlessItIsDrawnPixelForPixel) {
+    const Picture picture = Picture::noise(9, 6);
+    HsvNode* node = HsvNode::create(sizeOf(picture), nullptr, PXFORMAT_RGBA8888);
+    RenderTexture* plain = RenderTexture::create(sizeOf(picture), nullptr, PXFORMAT_RGBA8888);
+    RenderTexture* outer = RenderTexture::create(sizeOf(picture), nullptr, PXFORMAT_RGBA8888);
+    for (RenderTexture* each : {static_cast<RenderTexture*>(node), plain}) {
+        each->getScene()->addChild(makeSprite(picture));
+        each->renderToTexture();
+    }
+    const auto drawn = [&](RenderTexture* child) {
+        outer->getScene()->addChild(child);
+        outer->renderToTexture();
+        outer->getScene()->removeChild(child);
+        return pictureOf(outer->getTexture(0));
+    };
+    struct Way {
+        Size16 size;
+        std::function<void(RenderTexture&)> change;
+    };
+    const auto none = [](RenderTexture&) {};
+    const Way ways[] = {{{9, 6}, none},
+                        {{14, 11}, none},
+                        {{9, 6}, none},
+                        {{5, 3}, none},
+                        {{9, 6}, [](RenderTexture& t) { t.setFlipX(true); }},
+                        {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_180); }},
+                        {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_90); }},
+                        {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_0); }},
+                        {{9, 6}, [](RenderTexture& t) {
+                             t.setRect({2, 1, 8, 5});
+                         }}};
+    for (std::size_t i = 0; i < std::size(ways); ++i) {
+        outer->resetSize(ways[i].size);
+        outer->fitViewPort();
+        ways[i].change(*node);
+        ways[i].change(*plain);
+        expectNear(drawn(node), drawn(plain), 1, 0.5, "pointwise-" + std::to_string(i));
+    }
+}
+
+TEST_F(PointwisePicture, TellsGlOfTheFilterOnlyWhenItChangesAndLeavesTheHostsTextureAlone) {
+    HsvNode* node = HsvNode::create({9, 6}, nullptr, PXFORMAT_RGBA8888);
+    RenderTexture* outer = RenderTexture::create({9, 6}, nullptr, PXFORMAT_RGBA8888);
+    outer->getScene()->addChild(node);
+    const GLCallRecorder recorder;
+    auto told = [&, before = std::size_t{0}]() mutable {
+        const std::size_t sum = recorder.count("glTexParameteri");
+        return sum - std::exchange(before, sum);
+    };
+    outer->renderToTexture();
+    told();
+    outer->renderToTexture();
+    EXPECT_EQ(told(), 0U);
+    EXPECT_EQ(recorder.callsOf("glTexParameteri").back().integer(2), GL_NEAREST);
+    outer->getScene()->setViewPort({0, 0, 4, 3});
+    outer->renderToTexture();
+    outer->renderToTexture();
+    EXPECT_EQ(told(), 2U) << "one change of both filters";
+    outer->fitViewPort();
+
+    Texture2D* hosts = makeTexture(Picture(9, 6));
+    told();
+    node->updateTargetTextureId(hosts->getName(), GL_TEXTURE_2D, PXFORMAT_RGBA8888, false);
+    outer->renderToTexture();
+    EXPECT_EQ(told(), 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Factors, HsvNodePicture,
