@@ -6,7 +6,7 @@ stage costs beside its target); those whose data is not there are left out. Then
 performance-start.md and the table of small.csv to performance-tables.md.
 
 With --into, the tables take the place of what stands between the two marks in DOCUMENT, and the plots are
-copied into the folder "pictures" beside it.
+copied into the folder "pictures" beside it. Tables there that the folder lacks are an error: nothing is changed.
 """
 import csv
 import os
@@ -106,6 +106,10 @@ def join_tables(folder):
     return tables
 
 
+def titles(text):
+    return [line for line in text.partition(END)[0].splitlines() if line.startswith("### ")]
+
+
 def put_into(document, tables, folder):
     with open(document, encoding="utf-8") as file:
         text = file.read()
@@ -113,6 +117,9 @@ def put_into(document, tables, folder):
     _, found, after = rest.partition(END)
     if not found:
         sys.exit(f"{document}: lacks the lines {BEGIN.strip()} and {END.strip()}")
+    lost = set(titles(rest)) - set(titles(tables))
+    if lost:
+        sys.exit(f"{folder} lacks tables that {document} has: {', '.join(sorted(lost))}. Run all of ./zv bench.")
     with open(document, "w", encoding="utf-8") as file:
         file.write(before + BEGIN + "\n" + tables + "\n" + END + after)
     pictures = os.path.join(os.path.dirname(document), "pictures")
