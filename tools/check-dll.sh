@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-dll=$1
+dll=${1:?usage: check-dll.sh DLL [--update]}
 objdump=x86_64-w64-mingw32-objdump
 list=tools/exports.txt
 system='KERNEL32|msvcrt|OPENGL32|GDI32|USER32|SHELL32'
