@@ -145,7 +145,7 @@ bool measureChain(const Options& options, const Frame& frame, Report& report) {
         table.rows.push_back(rowOf(race, i + 1, copy, race.ratio(i + 1, i).cpu));
     }
     table.note =
-        "Both make the same bytes (largest difference " + std::to_string(difference) +
+        "Both make the same picture (largest difference of a byte " + std::to_string(difference) +
         "). The wait is the `glFinish` with which the engine ends a frame unless "
         "`setFinishAfterRender(false)` is called. A turn of each line is at least " +
         std::to_string(Race::FRAMES_OF_A_STREAM) +

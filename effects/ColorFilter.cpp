@@ -44,8 +44,7 @@ bool ColorFilter::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBu
 }
 
 void ColorFilter::useLayout(bool large) {
-    setProgram(Program::createWithFile("ZvShaderTexturePosition.vert",
-                                       large ? "ZvColorTable512Filter.frag" : "ZvColorTable64Filter.frag"));
+    setTableProgram(large ? "ZvColorTable512Filter.frag" : "ZvColorTable64Filter.frag");
     setIntensity(mIntensity);
 }
 

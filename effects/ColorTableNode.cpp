@@ -21,7 +21,6 @@ bool ColorTableNode::init(const TVec<2, unsigned short>& size, FrameBuffer* fram
 }
 
 void ColorTableNode::onDrawSelf(const Mat4& matrix) {
-    setPointwiseFilter();
     if (getTexture(1) != nullptr) {
         RenderTexture::onDrawSelf(matrix);
         return;
@@ -31,6 +30,14 @@ void ColorTableNode::onDrawSelf(const Mat4& matrix) {
     setProgram(mPlainProgram.get());
     RenderTexture::onDrawSelf(matrix);
     setProgram(own.get());
+}
+
+void ColorTableNode::setTableProgram(const char* fragmentFile) {
+    Program* program = Program::createWithFile("ZvShaderTexturePosition.vert", fragmentFile);
+    if (program != nullptr) {
+        program->setPointwise(true);
+    }
+    setProgram(program);
 }
 
 bool ColorTableNode::loadTable(const std::string& path) {

@@ -33,6 +33,9 @@ protected:
     using RenderTexture::init;
     bool init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format) override;
 
+    /// The program that looks colours up, of ZvShaderTexturePosition.vert and this fragment file.
+    void setTableProgram(const char* fragmentFile);
+
     /// Puts a picture file into slot 1, without coordinates of its own. False, with the slot as it was, when
     /// it does not load.
     bool loadTable(const std::string& path);

@@ -39,8 +39,9 @@ bool FaceBuffingNode::init(const TVec<2, unsigned short>& size, FrameBuffer* fra
 
 void FaceBuffingNode::setFaceBuffing(float strength) {
     const float cut = strength > 0.0F ? std::min(strength, 1.0F) : 0.0F;
-    if (cut != mStrength) {
-        mStrength = cut;
+    const bool wasActive = isActive();
+    mStrength = cut;
+    if (isActive() != wasActive) {  // how strong it is is a uniform: the mesh stays
         settingsChanged();
     }
 }

@@ -96,14 +96,8 @@ void FaceMeshNode::onDrawSelf(const Mat4& matrix) {
         mSource = {};
     }
     if (drawsMesh()) {
-        setLinearFilter();
         drawMesh();
     } else {
-        if (getProgram() == mPlain.get()) {
-            setPointwiseFilter();
-        } else {
-            setLinearFilter();
-        }
         RenderTexture::onDrawSelf(matrix);
     }
 }
@@ -122,7 +116,11 @@ void FaceMeshNode::drawMesh() {
     if (still > 0) {
         state->useProgram(mPlain.get());
         mPlain.get()->setUniformsForBuiltins();
-        state->drawArrays(GL_TRIANGLE_STRIP, 0, still);
+        if (isPixelForPixel()) {
+            state->drawArraysUnfiltered(GL_TRIANGLE_STRIP, 0, still);
+        } else {
+            state->drawArrays(GL_TRIANGLE_STRIP, 0, still);
+        }
     }
     state->useProgram(mEffect.get());
     mEffect.get()->setUniformsForBuiltins();

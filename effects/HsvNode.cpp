@@ -15,13 +15,11 @@ bool HsvNode::init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer
         return false;
     }
     setProgram(Program::createWithFile("ZvShaderTexturePosition.vert", "ZvShaderHSV.frag"));
+    if (Program* program = getProgram()) {
+        program->setPointwise(true);
+    }
     sendAdjust();
     return true;
-}
-
-void HsvNode::onDrawSelf(const Mat4& matrix) {
-    setPointwiseFilter();
-    RenderTexture::onDrawSelf(matrix);
 }
 
 void HsvNode::setHue(float factor) {

@@ -34,8 +34,6 @@ public:
     float getSaturation() const { return mAdjust[1]; }
     float getValue() const { return mAdjust[2]; }
 
-    void onDrawSelf(const Mat4& matrix) override;
-
     using RenderTexture::init;
 
 protected:

@@ -24,7 +24,7 @@ bool SkinWhitingNode::init(const TVec<2, unsigned short>& size, FrameBuffer* fra
     if (!ColorTableNode::init(size, frameBuffer, format)) {
         return false;
     }
-    setProgram(Program::createWithFile("ZvShaderTexturePosition.vert", "ZvBeautyColorTableFilter.frag"));
+    setTableProgram("ZvBeautyColorTableFilter.frag");
     if (!loadTable(kLookup)) {
         // The node is made all the same: a chain that was set up with it goes on, without whitening.
         FileUtil* files = FileUtil::getInstance();

@@ -163,6 +163,9 @@ void Yuv420RenderTexture::drawPasses(RenderTexture& inner) {
 }
 
 UniqueDataPtr<unsigned char> Yuv420RenderTexture::getOutData() {
+    if (mExternalFrameBuffer.get() == nullptr && getRenderTarget() == nullptr) {
+        return {};
+    }
     const TVec<2, unsigned short> outSize = getOutSize();
     UniqueDataPtr<unsigned char> out(std::size_t{outSize.x} * outSize.y * kTexelBytes);
     getOutData(out);
@@ -170,9 +173,6 @@ UniqueDataPtr<unsigned char> Yuv420RenderTexture::getOutData() {
 }
 
 void Yuv420RenderTexture::getOutData(UniqueDataPtr<unsigned char>& out) {
-    if (mExternalFrameBuffer.get() == nullptr) {
-        getRenderTarget();  // of the size of now, so that the read finds it
-    }
     const Regions regions(getOutSize());
     readBack(out, kPackedFormat, regions.parts, 2, mExternalFrameBuffer.get());
 }

@@ -39,7 +39,7 @@ public:
     TVec<2, unsigned short> getOutSize() const;
     /// Made at first use, of the out size; one of another size, or without a texture, is replaced. Null when
     /// it cannot be made.
-    RenderTarget* getRenderTarget();
+    RenderTarget* getRenderTarget() override;
     Texture2D* getTexture(unsigned char index) override;
 
     /// What the bytes are to mean; COLOR_CONVERSION_601_VIDEO at first. Takes effect with the next picture.
@@ -56,7 +56,7 @@ public:
     /// height with nothing between their rows, then zeros. The picture's top row is first in every plane.
     /// `out` has its size already: out width x out height x 4.
     void getOutData(UniqueDataPtr<unsigned char>& out) override;
-    /// The same into a buffer of the right size.
+    /// The same into a buffer of the right size; an empty one when GL does not take a target of that size.
     UniqueDataPtr<unsigned char> getOutData() override;
 
 protected:

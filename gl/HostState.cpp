@@ -34,7 +34,7 @@ struct TextureTarget {
 constexpr TextureTarget kTargets[] = {{GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D},
                                       {GL_TEXTURE_RECTANGLE, GL_TEXTURE_BINDING_RECTANGLE}};
 
-/// Whose host's state is put away at the moment.
+/// Whose host's state is put away at the moment; of several that lie within each other the innermost.
 thread_local HostState* tShielded = nullptr;
 
 GLuint nameOf(std::int32_t value) {
@@ -78,11 +78,12 @@ void HostState::shield() {
     mUnits = {};
     mKeepsBlendFunction = false;
     mKeepsPixelStore = false;
+    mOuter = tShielded;
     tShielded = this;
 }
 
 void HostState::restore() {
-    tShielded = nullptr;
+    tShielded = mOuter;
     if (mDeleted != DeletedNames::count()) {
         forgetDeleted();
     }

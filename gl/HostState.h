@@ -16,7 +16,8 @@ namespace zv {
 /// call of the functions before...(): the library makes them where it binds, blends, uploads and reads. A
 /// node that calls GL itself makes them as well, or finds the host's state there and leaves its own behind.
 /// A frame that binds three units costs about 30 GL calls; each item that differs from GL's default adds one
-/// or two. GL thread only; calls do not nest.
+/// or two. GL thread only. They nest: an engine that another one draws within keeps and gives back what it
+/// finds.
 class ZV_API HostState {
 public:
     /// Reads the host's state and replaces what would spoil our pictures by GL's defaults. No vertex array is
@@ -73,6 +74,7 @@ private:
     void restoreFragments();
     void restorePixelStore();
 
+    HostState* mOuter = nullptr;  ///< whose frame this one lies within
     bool mContextKnown = false;
     bool mIsCore = false;
     bool mHasVertexArrays = false;

@@ -84,6 +84,11 @@ public:
     bool hasMatMV() const { return mFlags.isOn(HAS_MAT_MV); }
     bool hasMatP() const { return mFlags.isOn(HAS_MAT_P); }
 
+    /// Says that the program is a point operation: it reads ZV_Tex0 only at the first texture coordinate.
+    /// Where a sprite shows each texel in one pixel such a program needs no filter, and is drawn without.
+    void setPointwise(bool pointwise) { mPointwise = pointwise; }
+    bool isPointwise() const { return mPointwise; }
+
     void setUniform(int location, int value);
     void setUniform(const std::string& name, int value);
     void setUniform(int location, const Mat4& value);
@@ -137,6 +142,7 @@ private:
 
     void logFailure();
 
+    bool mPointwise = false;
     unsigned int mProgram = 0xFFFFFFFFu;
     unsigned int mVertexShader = 0;
     unsigned int mFragmentShader = 0;

@@ -8,8 +8,12 @@ bool ProgramCache::init() {
 }
 
 void ProgramCache::loadDefaultPrograms() {
-    add(Program::PROGRAM_POSITION_TEXTURE_NO_MVP,
-        Program::createWithFile("ZvShaderTexturePosition.vert", "ZvShaderTexturePosition.frag"));
+    Program* program =
+        Program::createWithFile("ZvShaderTexturePosition.vert", "ZvShaderTexturePosition.frag");
+    if (program != nullptr) {
+        program->setPointwise(true);
+    }
+    add(Program::PROGRAM_POSITION_TEXTURE_NO_MVP, program);
 }
 
 }  // namespace zv

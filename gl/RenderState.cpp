@@ -19,6 +19,10 @@ bool hasVertexArrays() {
     return ConfigGL::getInstance()->supportVAO();
 }
 
+bool hasSamplers() {
+    return ConfigGL::getInstance()->getVersionGL() >= 330;
+}
+
 int readDefaultFBO() {
     GLint bound = 0;
     glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
@@ -48,6 +52,9 @@ RenderState::RenderState() {
 RenderState::~RenderState() {
     if (!mCollectedVaos.empty()) {
         glDeleteVertexArrays(static_cast<GLsizei>(mCollectedVaos.size()), mCollectedVaos.data());
+    }
+    if (mNearestSampler != 0) {
+        glDeleteSamplers(1, &mNearestSampler);
     }
 }
 
@@ -229,6 +236,25 @@ void RenderState::unBindVaoVbo() {
 
 void RenderState::drawArrays(unsigned int mode, int first, int count) {
     glDrawArrays(mode, first, count);
+}
+
+void RenderState::drawArraysUnfiltered(unsigned int mode, int first, int count) {
+    if (!hasSamplers()) {
+        drawArrays(mode, first, count);
+        return;
+    }
+    if (mNearestSampler == 0) {
+        glGenSamplers(1, &mNearestSampler);
+        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
+            glSamplerParameteri(mNearestSampler, filter, GL_NEAREST);
+        }
+        for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+            glSamplerParameteri(mNearestSampler, wrap, GL_CLAMP_TO_EDGE);
+        }
+    }
+    glBindSampler(0, mNearestSampler);
+    drawArrays(mode, first, count);
+    glBindSampler(0, 0);
 }
 
 void RenderState::drawElements(unsigned int mode, int count, unsigned int type, const void* indices) {

@@ -28,9 +28,10 @@ public:
 
     /// Needs a current GL context; the frame buffer that is bound now is the default one.
     RenderState();
-    /// Deletes the vertex arrays that were collected.
+    /// Deletes the vertex arrays that were collected, and the sampler.
     ~RenderState();
-    /// A copy has both stacks and what is remembered; collected vertex arrays stay with the original.
+    /// A copy has both stacks and what is remembered; collected vertex arrays and the sampler stay with the
+    /// original.
     RenderState(const RenderState& other);
     RenderState& operator=(const RenderState& other);
 
@@ -81,6 +82,9 @@ public:
     void unBindVaoVbo();
 
     void drawArrays(unsigned int mode, int first, int count);
+    /// Draws with the nearest texels of the texture that is bound to unit 0, whatever filter it has; below GL
+    /// 3.3 with its own filter. Leaves no sampler bound there.
+    void drawArraysUnfiltered(unsigned int mode, int first, int count);
     void drawElements(unsigned int mode, int count, unsigned int type, const void* indices);
 
     /// What is remembered: null, DISABLE and 0 at first and after reset().
@@ -100,6 +104,7 @@ private:
     /// False after reset(): whether GL blends now is not known.
     bool mBlendKnown = true;
     std::vector<unsigned int> mCollectedVaos;
+    unsigned int mNearestSampler = 0;  ///< made at first use
 };
 
 }  // namespace zv

@@ -81,7 +81,6 @@ void Texture::deleteOwnedName() {
 void Texture::reset() {
     deleteOwnedName();
     mName = 0;
-    mFilter = 0;
 }
 
 void Texture::updateTextureId(int name) {
@@ -90,7 +89,6 @@ void Texture::updateTextureId(int name) {
         return;
     deleteOwnedName();
     mName = newName;
-    mFilter = 0;
 }
 
 void Texture::updateTextureId(int name, unsigned int target, PxFormat format, bool owner) {
@@ -109,16 +107,6 @@ void Texture::setTexParameters(const TexParams& params, bool bind) {
     glTexParameteri(mTarget, GL_TEXTURE_MAG_FILTER, params.magFilter);
     glTexParameteri(mTarget, GL_TEXTURE_WRAP_S, params.wrapS);
     glTexParameteri(mTarget, GL_TEXTURE_WRAP_T, params.wrapT);
-    mFilter = params.minFilter == params.magFilter ? params.minFilter : 0;
-}
-
-void Texture::setFilter(std::int32_t filter) {
-    if (filter == mFilter)
-        return;
-    active(0);
-    glTexParameteri(mTarget, GL_TEXTURE_MIN_FILTER, filter);
-    glTexParameteri(mTarget, GL_TEXTURE_MAG_FILTER, filter);
-    mFilter = filter;
 }
 
 }  // namespace zv

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "core/Flag.h"
 #include "core/Ref.h"
 #include "gl/PxFormat.h"
@@ -47,9 +45,6 @@ public:
     /// Sets filters and wrapping. With bind false the texture must be bound already; with bind true it stays
     /// bound to unit 0, which stays selected.
     void setTexParameters(const TexParams& params, bool bind);
-    /// Sets both filters, a GL enum. When that is what they were last set to, nothing at all happens; else
-    /// the texture stays bound to unit 0, which stays selected.
-    void setFilter(std::int32_t filter);
 
 protected:
     enum : unsigned int { FLAG_OWNER = 1u << 0, FLAG_MIPMAP = 1u << 2 };
@@ -61,9 +56,6 @@ protected:
     PxFormat mFormat = PXFORMAT_NONE;
     unsigned int mTarget;
     Flag mFlags{FLAG_OWNER};
-
-private:
-    std::int32_t mFilter = 0;  ///< both filters of the present name; 0: they differ or are not known
 };
 
 }  // namespace zv

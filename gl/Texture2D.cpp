@@ -174,7 +174,7 @@ bool Texture2D::updateWithData(const unsigned char* data, std::uint64_t bytes, P
         throw std::out_of_range("invalid map<K, T> key");
     if (mName == 0)
         return init(data, bytes, format, size);
-    if (info->compressed || data == nullptr || bytes < neededByteCount(*info, size))
+    if (info->compressed || data == nullptr || bytes < neededByteCount(*info, size) || !glTakes(size))
         return false;
 
     mFormat = format;

@@ -19,7 +19,8 @@ class Image;
 /// must be 0 and no unpack buffer bound. An upload answers false, and leaves the texture
 /// as it was, when the format has no row or the buffer is shorter than size and format need; a null pointer
 /// allocates without filling. A size beyond ConfigGL::getMaxTextureSize() answers false as well, and the log
-/// says so once. GL's own refusals (a compressed format that the driver does not take) are not noticed.
+/// says so once a size. GL's own refusals (a compressed format that the driver does not take) are not
+/// noticed.
 class ZV_API Texture2D : public Texture {
 public:
     Texture2D() = default;

@@ -1,7 +1,5 @@
 #include "scene/RenderTexture.h"
 
-#include <GL/glew.h>
-
 #include <cstring>
 
 #include "core/RefCreate.h"
@@ -181,21 +179,6 @@ void RenderTexture::renderToTexture() {
         getScene()->render();
     }
     mRendering = false;
-}
-
-void RenderTexture::setPointwiseFilter() {
-    setOwnFilter(isPixelForPixel() ? GL_NEAREST : GL_LINEAR);
-}
-
-void RenderTexture::setLinearFilter() {
-    setOwnFilter(GL_LINEAR);
-}
-
-void RenderTexture::setOwnFilter(std::int32_t filter) {
-    Texture2D* texture = getTexture(0);
-    if (texture != nullptr && texture->isOwner()) {
-        texture->setFilter(filter);
-    }
 }
 
 void RenderTexture::updateTargetTextureId(unsigned int textureName) {

@@ -78,7 +78,7 @@ public:
     /// Retains `target`, which must not be null, and shows its whole texture. The size stays.
     void setRenderTarget(RenderTarget* target);
     /// Made at first need, of the present size and format; null when its texture cannot be made.
-    RenderTarget* getRenderTarget();
+    virtual RenderTarget* getRenderTarget();
 
     /// Made at first need, with the present size as its view port.
     Scene* getScene();
@@ -104,15 +104,6 @@ protected:
     /// Every render texture is initialised through this one. False when the sprite base fails.
     virtual bool init(const TVec<2, unsigned short>& size, FrameBuffer* frameBuffer, PxFormat format);
 
-    /// For the drawing of a point operation, whose program reads the picture only where it draws: gives the
-    /// own texture the nearest filter, which costs least, while it is drawn pixel for pixel, and the linear
-    /// one otherwise. A texture of the host's stays as it is. Who shows the texture on other ways sets the
-    /// filter that this needs; who gives a node that calls this a program that reads between texels finds
-    /// them unfiltered.
-    void setPointwiseFilter();
-    /// The linear filter, back after setPointwiseFilter().
-    void setLinearFilter();
-
     void setEnable(bool enable) { mEnable = enable; }
     bool isEnable() const { return mEnable; }
 
@@ -134,7 +125,6 @@ protected:
 private:
     void giveTargetItsSize();
     void showWholeTarget();
-    void setOwnFilter(std::int32_t filter);
 
     RefHolder<RenderTarget> mRenderTarget;
     PxFormat mPxFormat = PXFORMAT_NONE;

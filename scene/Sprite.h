@@ -88,8 +88,9 @@ public:
 
 protected:
     /// Whether each pixel of the view port shows just one texel of texture 0, by the vertices that would be
-    /// drawn now: the quad fills the view port, which has the texture's size, with the whole texture. Any
-    /// filter then answers with that texel.
+    /// drawn now: the quad fills the view port, which has the texture's size, with the whole texture. A
+    /// program that is a point operation then reads that texel, whatever the filter. False for textures that
+    /// are lent: how those are read is their owner's business.
     bool isPixelForPixel();
 
 private:

@@ -149,9 +149,11 @@ TEST_F(BeautyShapeChainTest, ASteadyFrameMakesTheCallsOfItsPassesAndNoOther) {
         {"glBindTexture", 17},   {"glDrawArrays", 12},      {"glFinish", 1},
         {"glGetIntegerv", 1},    {"glMapBuffer", 1},        {"glPixelStorei", 2},
         {"glReadPixels", 2},     {"glUnmapBuffer", 1},      {"glUseProgram", 12},
-        {"glViewport", 14},      {"glBindVertexArray", 24}, {"glFramebufferTexture2D", 11}};
+        {"glViewport", 14},      {"glBindVertexArray", 24}, {"glFramebufferTexture2D", 11},
+        {"glBindSampler", 8}};
     if (legacy) {  // without vertex arrays each draw sets its layout and takes it back
         expected.erase("glBindVertexArray");
+        expected.erase("glBindSampler");
         expected["glBindBuffer"] = 41;
         for (const char* name : {"Enable", "Disable"})
             expected["gl" + std::string(name) + "VertexAttribArray"] = 26;

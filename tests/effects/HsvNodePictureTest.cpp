@@ -6,6 +6,7 @@
 
 #include "BeautyTest.h"
 #include "effects/HsvNode.h"
+#include "gl/Program.h"
 #include "gl/RenderState.h"
 
 namespace zv::test {
@@ -91,15 +92,18 @@ TEST_P(HsvNodePicture, FollowsTheFormulaOverTheWholeColourCube) {
     EXPECT_EQ(alphas, 0) << "alpha is the input's";
 }
 
-/// A point operation that leaves colours alone against a plain render texture, both drawn in every way.
 class PointwisePicture : public MediaTest {
 protected:
     void SetUp() override {
         MediaTest::SetUp();
         RenderState::getCurrent()->begin();
     }
+    static Program* makeProgram(const char* fragmentFile) {
+        return Program::createWithFile("ZvShaderTexturePosition.vert", fragmentFile);
+    }
 };
 
+// A point operation that leaves colours alone against a program that is not known to be one.
 TEST_F(PointwisePicture, IsFilteredUnlessItIsDrawnPixelForPixel) {
     const Picture picture = Picture::noise(9, 6);
     HsvNode* node = HsvNode::create(sizeOf(picture), nullptr, PXFORMAT_RGBA8888);
@@ -109,6 +113,7 @@ TEST_F(PointwisePicture, IsFilteredUnlessItIsDrawnPixelForPixel) {
         each->getScene()->addChild(makeSprite(picture));
         each->renderToTexture();
     }
+    plain->setProgram(makeProgram("ZvShaderTexturePosition.frag"));
     const auto drawn = [&](RenderTexture* child) {
         outer->getScene()->addChild(child);
         outer->renderToTexture();
@@ -128,8 +133,14 @@ TEST_F(PointwisePicture, IsFilteredUnlessItIsDrawnPixelForPixel) {
                         {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_180); }},
                         {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_90); }},
                         {{9, 6}, [](RenderTexture& t) { t.setTextureRotationType(Sprite::ROTATION_0); }},
-                        {{9, 6}, [](RenderTexture& t) {
+                        {{9, 6},
+                         [](RenderTexture& t) {
                              t.setRect({2, 1, 8, 5});
+                         }},
+                        {{9, 6}, [](RenderTexture& t) {
+                             t.setRect({0, 0, 9, 6});
+                             t.setProgram(makeProgram("ZvMeanBlurFilter.frag"));
+                             t.getProgram()->setUniformValue("texelWidthOffset", 0.04F);
                          }}};
     for (std::size_t i = 0; i < std::size(ways); ++i) {
         outer->resetSize(ways[i].size);
@@ -140,31 +151,27 @@ TEST_F(PointwisePicture, IsFilteredUnlessItIsDrawnPixelForPixel) {
     }
 }
 
-TEST_F(PointwisePicture, TellsGlOfTheFilterOnlyWhenItChangesAndLeavesTheHostsTextureAlone) {
+TEST_F(PointwisePicture, BorrowsASamplerAndChangesNoTexture) {
     HsvNode* node = HsvNode::create({9, 6}, nullptr, PXFORMAT_RGBA8888);
     RenderTexture* outer = RenderTexture::create({9, 6}, nullptr, PXFORMAT_RGBA8888);
     outer->getScene()->addChild(node);
+    outer->renderToTexture();
     const GLCallRecorder recorder;
-    auto told = [&, before = std::size_t{0}]() mutable {
-        const std::size_t sum = recorder.count("glTexParameteri");
+    auto bound = [&, before = std::size_t{0}](const char* why) mutable {
+        outer->renderToTexture();
+        const std::size_t sum = recorder.count("glBindSampler");
+        EXPECT_TRUE(sum == 0U || recorder.callsOf("glBindSampler").back().integer(1) == 0) << why;
         return sum - std::exchange(before, sum);
     };
-    outer->renderToTexture();
-    told();
-    outer->renderToTexture();
-    EXPECT_EQ(told(), 0U);
-    EXPECT_EQ(recorder.callsOf("glTexParameteri").back().integer(2), GL_NEAREST);
+    const std::size_t once = kind() == Kind::Legacy ? 0U : 2U;
+    EXPECT_EQ(bound("drawn as before"), once);
     outer->getScene()->setViewPort({0, 0, 4, 3});
-    outer->renderToTexture();
-    outer->renderToTexture();
-    EXPECT_EQ(told(), 2U) << "one change of both filters";
+    EXPECT_EQ(bound("drawn smaller"), 0U);
     outer->fitViewPort();
-
     Texture2D* hosts = makeTexture(Picture(9, 6));
-    told();
     node->updateTargetTextureId(hosts->getName(), GL_TEXTURE_2D, PXFORMAT_RGBA8888, false);
-    outer->renderToTexture();
-    EXPECT_EQ(told(), 0U);
+    EXPECT_EQ(bound("a texture that is lent"), 0U);
+    EXPECT_EQ(recorder.count("glGenSamplers") + recorder.count("glTexParameteri"), 4U) << "of hosts' texture";
 }
 
 INSTANTIATE_TEST_SUITE_P(Factors, HsvNodePicture,

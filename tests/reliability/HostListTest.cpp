@@ -22,6 +22,7 @@ constexpr std::pair<const char*, GLenum> kNames[] = {
     ZV_NAME(GL_ACTIVE_TEXTURE),
     ZV_NAME(GL_TEXTURE_BINDING_2D),
     ZV_NAME(GL_TEXTURE_BINDING_RECTANGLE),
+    ZV_NAME(GL_SAMPLER_BINDING),
     ZV_NAME(GL_ARRAY_BUFFER_BINDING),
     ZV_NAME(GL_VERTEX_ARRAY_BINDING),
     ZV_NAME(GL_ELEMENT_ARRAY_BUFFER_BINDING),
@@ -52,8 +53,8 @@ Names listed() {
     for (std::size_t at = table.find("`GL_"); at != std::string::npos; at = table.find("`GL_", at + 1)) {
         const std::string name = table.substr(at + 1, table.find('`', at + 1) - at - 1);
         const bool isOfAttributes = name.find("VERTEX_ATTRIB") != std::string::npos;
-        const bool isOfArrays = name == "GL_VERTEX_ARRAY_BINDING";
-        if (hasVersion(300) ? !isOfAttributes : !isOfArrays) {
+        const bool isLater = name == "GL_VERTEX_ARRAY_BINDING" || name == "GL_SAMPLER_BINDING";
+        if (hasVersion(330) ? !isOfAttributes : !isLater) {
             names.insert(name);
         }
     }

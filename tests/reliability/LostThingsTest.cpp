@@ -224,6 +224,19 @@ TEST_F(LostBeauty, ATextureThatGlDoesNotTakeIsRefusedWithOneLine) {
         const unsigned int name = texture->getName();
         EXPECT_FALSE(texture->init(nullptr, 0, PXFORMAT_R8, {1, 521}));
         EXPECT_EQ(texture->getName(), name);
+        EXPECT_FALSE(texture->updateWithData(std::vector<unsigned char>(4 * 521).data(), 4 * 521,
+                                             PXFORMAT_RGBA8888, {1, 521}));
+        // The packed picture of an I420 output is half as high again.
+        auto* tall = Yuv420RenderTexture::create({8, 400}, nullptr);
+        media->init(makeSprite(picture), {8, 400}, tall, false);
+        for (int i = 0; i < 3; ++i) {
+            frame();
+            UniqueDataPtr<unsigned char> bytes(8 * 600);
+            std::fill(bytes.get(0), bytes.get(0) + bytes.size(), std::uint8_t{1});
+            tall->getOutData(bytes);
+            EXPECT_EQ(std::count(bytes.get(0), bytes.get(0) + bytes.size(), 0), 8 * 600);
+            EXPECT_EQ(tall->getOutData().size(), 0U);
+        }
         // Made at that size from the start, everything is there and nothing is drawn.
         for (int kind = 2; kind >= 0; --kind) {
             RenderTexture* out = RenderTexture::create(wide, nullptr, PXFORMAT_RGBA8888);

@@ -115,6 +115,33 @@ TEST_F(HostStateTest, PlainStateComesBackFromEveryRenderOperation) {
     EXPECT_FALSE(media->isKeepHostState());
 }
 
+TEST_F(HostStateTest, OneWithinAnotherGivesBackWhatItFound) {
+    GLuint names[3] = {};
+    glGenTextures(3, names);
+    for (GLuint unit = 0; unit < 3; ++unit) {
+        glActiveTexture(GL_TEXTURE0 + unit);
+        glBindTexture(GL_TEXTURE_2D, names[unit]);
+    }
+    const Snapshot before = snapshot();
+    HostState outer, inner;
+    const auto bindNothing = [](GLuint unit) {
+        glActiveTexture(GL_TEXTURE0 + unit);
+        HostState::beforeBinding(unit, GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    };
+    outer.shield();
+    bindNothing(0);
+    inner.shield();
+    bindNothing(0);
+    bindNothing(1);
+    inner.restore();
+    bindNothing(1);
+    bindNothing(2);
+    outer.restore();
+    EXPECT_EQ(differences(snapshot(), before), Snapshot());
+    glDeleteTextures(3, names);
+}
+
 TEST_F(HostStateTest, BlendingIsSetAnewEachFrame) {
     // Only blended drawing: if the engine went on remembering its own blending, it would not ask for it again
     // after the host's, which does not blend, was put back.

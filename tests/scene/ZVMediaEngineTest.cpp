@@ -208,7 +208,7 @@ TEST_F(MediaFrameCostTest, AFrameLikeTheOneBeforeMakesNothing) {
         }
         EXPECT_EQ(recorder.countDraws(), chain ? 3U : 1U);
         // Without vertex arrays each draw sets its attributes.
-        const std::size_t calls = chain ? 32U : 13U;
+        const std::size_t calls = chain ? 38U : 15U;
         const std::size_t legacyCalls = chain ? 47U : 18U;
         EXPECT_EQ(recorder.total(), kind() == Kind::Legacy ? legacyCalls : calls) << recorder.summary();
     }
