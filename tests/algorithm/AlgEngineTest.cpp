@@ -321,7 +321,6 @@ TEST_F(AlgEngineTest, AConsumerThatDiesWithItsSubscriptionMayUnregisterInTurn) {
 }
 
 TEST_F(AlgEngineTest, ConsumersThatSwapCostNoAllocationAFrame) {
-    ZV_NEEDS_ALLOCATION_COUNTER();
     engine.getKelNN()->setDetector(detector);
     AlgFaceMatsList held[2];
     for (AlgFaceMatsList& mine : held)

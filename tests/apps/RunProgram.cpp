@@ -1,9 +1,9 @@
 #include "apps/RunProgram.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
-
-#include "support/TempDir.h"
 
 #if defined(_WIN32)
 #include "core/FileUtilWindows.h"
@@ -67,6 +67,23 @@ ProgramResult runZvfx(const std::vector<std::string>& arguments, const std::stri
     result.output = standardOutput.empty() ? readFile(out) : std::string();
     result.error = readText(folder.file("err"));
     return result;
+}
+
+ZvfxFolder::ZvfxFolder(const Picture& input) {
+    EXPECT_TRUE(input.save(file("in.png")));
+}
+
+ProgramResult ZvfxFolder::run(const std::vector<std::string>& options, const std::string& input) const {
+    std::vector<std::string> arguments = {file(input), "-o", file("out.png")};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return runZvfx(arguments);
+}
+
+Picture ZvfxFolder::result(const std::vector<std::string>& options, const std::string& input) const {
+    const ProgramResult ended = run(options, input);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output + ended.error, "");
+    return ended.status == 0 ? Picture::load(file("out.png")) : Picture();
 }
 
 }  // namespace zv::test

@@ -3,6 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "support/NamedRow.h"
+#include "support/Picture.h"
+#include "support/TempDir.h"
+
 namespace zv::test {
 
 /// What a program left behind.
@@ -20,5 +24,17 @@ struct ProgramResult {
 /// @param before commands for the shell that starts the program, for example a limit; none on Windows
 ProgramResult runZvfx(const std::vector<std::string>& arguments, const std::string& standardOutput = {},
                       const std::string& before = {});
+
+/// A folder in which zvfx makes "out.png" of a picture.
+class ZvfxFolder : public TempDir {
+public:
+    ZvfxFolder() = default;
+    /// With that picture as "in.png".
+    explicit ZvfxFolder(const Picture& input);
+
+    ProgramResult run(const std::vector<std::string>& options, const std::string& input = "in.png") const;
+    /// What came out; fails the test when zvfx did, or said anything.
+    Picture result(const std::vector<std::string>& options, const std::string& input = "in.png") const;
+};
 
 }  // namespace zv::test

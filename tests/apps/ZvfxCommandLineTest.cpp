@@ -5,8 +5,6 @@
 
 #include "apps/RunProgram.h"
 #include "gl/PictureFiles.h"
-#include "support/Picture.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 
@@ -29,10 +27,6 @@ struct UsageCase {
     std::vector<std::string> arguments;
     const char* message;  ///< a part of it
 };
-
-void PrintTo(const UsageCase& row, std::ostream* stream) {
-    *stream << row.name;
-}
 
 class ZvfxBadUsage : public ::testing::TestWithParam<UsageCase> {};
 
@@ -103,10 +97,6 @@ struct FailureCase {
     const char* message;
 };
 
-void PrintTo(const FailureCase& row, std::ostream* stream) {
-    *stream << row.name;
-}
-
 class ZvfxFailedWork : public ::testing::TestWithParam<FailureCase> {};
 
 TEST_P(ZvfxFailedWork, EndsWithOneSaysWhyAndLeavesTheOldOutput) {
@@ -138,9 +128,7 @@ std::string blackPng(std::uint32_t width, std::uint32_t height) {
 }
 
 std::string validPng() {
-    const TempDir folder;
-    EXPECT_TRUE(Picture::noise(40, 40).save(folder.file("a.png")));
-    return readFile(folder.file("a.png"));
+    return readFile(ZvfxFolder(Picture::noise(40, 40)).file("in.png"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -161,11 +149,10 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(ZvfxCommandLine, OutputThatCannotBeMadeFails) {
-    const TempDir folder;
-    const std::string input = folder.write("in.png", validPng());
+    const ZvfxFolder folder(Picture::noise(40, 40));
     folder.write("folder.png/keep", "x");
     for (const char* name : {"none/out.png", "folder.png"}) {
-        const ProgramResult result = runZvfx({input, "-o", folder.file(name)});
+        const ProgramResult result = runZvfx({folder.file("in.png"), "-o", folder.file(name)});
         EXPECT_EQ(result.status, 1) << name;
         EXPECT_TRUE(result.saysOneLine()) << result.error;
     }
@@ -206,11 +193,9 @@ TEST(ZvfxCommandLine, NamesMayHoldSpacesQuotesAndLettersOfAnyKind) {
 }
 
 TEST(ZvfxCommandLine, StatsTellWhatTheRunTook) {
-    const TempDir folder;
-    const std::string input = folder.write("in.png", validPng());
-    const ProgramResult result =
-        runZvfx({input, "-o", folder.file("out.png"), "--stats", folder.file("s.json"), "--frames", "20",
-                 "--fps", "60", "--size", "64x32", "--hsv", "1,2,1"});
+    const ZvfxFolder folder(Picture::noise(40, 40));
+    const ProgramResult result = folder.run({"--stats", folder.file("s.json"), "--frames", "20", "--fps",
+                                             "60", "--size", "64x32", "--hsv", "1,2,1"});
     ASSERT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(result.error, "") << "no progress bar where there is no terminal";
     const auto stats = nlohmann::json::parse(readFile(folder.file("s.json")), nullptr, false);

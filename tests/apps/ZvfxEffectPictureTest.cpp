@@ -6,21 +6,11 @@
 #include <vector>
 
 #include "apps/RunProgram.h"
-#include "support/Picture.h"
 #include "support/PictureCompare.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 
 namespace {
-
-Picture result(const TempDir& folder, const std::vector<std::string>& options) {
-    std::vector<std::string> arguments = {folder.file("in.png"), "-o", folder.file("out.png"), "--quiet"};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    const ProgramResult ended = runZvfx(arguments);
-    EXPECT_EQ(ended.status, 0) << ended.error;
-    return Picture::load(folder.file("out.png"));
-}
 
 bool hasColours(const Picture& picture) {
     for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
@@ -41,18 +31,13 @@ struct EffectCase {
     int cycle;  ///< after how many frames the same picture comes again; each effect has its own
 };
 
-void PrintTo(const EffectCase& row, std::ostream* stream) {
-    *stream << row.name;
-}
-
 class ZvfxEffectPicture : public ::testing::TestWithParam<EffectCase> {};
 
 TEST_P(ZvfxEffectPicture, ComesRoundWithItsCycle) {
     const EffectCase& row = GetParam();
-    const TempDir folder;
-    ASSERT_TRUE(Picture::noise(64, 48, 3, false).save(folder.file("in.png")));
+    const ZvfxFolder folder(Picture::noise(64, 48, 3, false));
     const auto at = [&](int frame) {
-        return result(folder, {"--effect", row.name, "--frames", std::to_string(frame)});
+        return folder.result({"--effect", row.name, "--frames", std::to_string(frame)});
     };
     const Picture shown = at(row.frame);
     EXPECT_NE(shown, at(row.other));
@@ -65,11 +50,10 @@ INSTANTIATE_TEST_SUITE_P(, ZvfxEffectPicture,
                          [](const auto& row) { return "Effect" + std::string(row.param.name); });
 
 TEST(ZvfxOverPicture, AnEffectLiesOverAllOthers) {
-    const TempDir folder;
-    ASSERT_TRUE(Picture::noise(64, 48).save(folder.file("in.png")));
+    const ZvfxFolder folder(Picture::noise(64, 48));
     // The paint of a stroke keeps its colour: it is not put through the table that takes colours away.
-    EXPECT_TRUE(hasColours(result(folder, {"--effect", "graffiti", "--frames", "75", "--lut", "mono"})));
-    EXPECT_FALSE(hasColours(result(folder, {"--lut", "mono"})));
+    EXPECT_TRUE(hasColours(folder.result({"--effect", "graffiti", "--frames", "75", "--lut", "mono"})));
+    EXPECT_FALSE(hasColours(folder.result({"--lut", "mono"})));
 }
 
 /// A matrix as text: a unit of `unit` pixels, its origin a little beside the centre of a pixel, y up.
@@ -80,9 +64,8 @@ std::string bone(int unit, int x, int y) {
 }
 
 TEST(ZvfxOverPicture, DebugFacesMarksEveryBoneAndTheAxesOfEachHead) {
-    const TempDir folder;
     const Picture grey(160, 120, {120, 120, 120, 255});
-    ASSERT_TRUE(grey.save(folder.file("in.png")));
+    const ZvfxFolder folder(grey);
     // Head, eyes, nose, mouth, chin and forehead of one face; of the other one only the head is known.
     const int places[7][2] = {{50, 70}, {40, 70}, {60, 70}, {50, 58}, {50, 48}, {50, 34}, {50, 92}};
     std::string bones;
@@ -91,8 +74,8 @@ TEST(ZvfxOverPicture, DebugFacesMarksEveryBoneAndTheAxesOfEachHead) {
     }
     const std::string track = folder.write(
         "track.jsonl", R"({"size": [160, 120], "faces": [[)" + bones + "], [" + bone(40, 120, 30) + "]]}\n");
-    expectSame(result(folder, {"--faces", track}), grey, "zvfx-faces-without-marks");
-    const Picture out = result(folder, {"--faces", track, "--debug-faces"});
+    expectSame(folder.result({"--faces", track}), grey, "zvfx-faces-without-marks");
+    const Picture out = folder.result({"--faces", track, "--debug-faces"});
     const auto at = [&](int x, int y) { return out.at(x, 119 - y); };
     const Pixel yellow{255, 225, 60, 255}, red{255, 70, 70, 255}, green{80, 230, 90, 255};
     for (const auto& place : places) {

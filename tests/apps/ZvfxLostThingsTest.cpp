@@ -2,13 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "apps/RunProgram.h"
-#include "support/Picture.h"
-#include "support/TempDir.h"
 
 #if defined(__linux__)
 namespace zv::test {
-
-namespace {
 
 struct LostCase {
     const char* name;
@@ -18,16 +14,11 @@ struct LostCase {
     const char* message;
 };
 
-void PrintTo(const LostCase& row, std::ostream* stream) {
-    *stream << row.name;
-}
-
 class ZvfxLostThings : public ::testing::TestWithParam<LostCase> {};
 
 TEST_P(ZvfxLostThings, EndsWithItsStatusAndLeavesNoFileUnderTheFinalName) {
     const LostCase& row = GetParam();
-    const TempDir folder;
-    ASSERT_TRUE(Picture::noise(64, 48).save(folder.file("in.png")));
+    const ZvfxFolder folder(Picture::noise(64, 48));
     const ProgramResult result =
         runZvfx(row.arguments, {}, "run() { " + row.shell + "; }; cd '" + folder.path() + "'; run ");
     EXPECT_EQ(result.status, row.status) << result.error;
@@ -64,8 +55,6 @@ INSTANTIATE_TEST_SUITE_P(
         LostCase{
             "OutputNameTooLong", "\"$@\"", {"in.png", "-o", std::string(300, 'n') + ".png"}, 1, "nnn.png"}),
     [](const auto& row) { return row.param.name; });
-
-}  // namespace
 
 }  // namespace zv::test
 #endif

@@ -9,7 +9,6 @@
 #include "apps/RunProgram.h"
 #include "gl/PictureFiles.h"
 #include "support/PictureCompare.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 
@@ -18,15 +17,6 @@ namespace {
 /// Whether a PNG file keeps alpha: its colour type is 6, and 2 without.
 bool pngHasAlpha(const std::string& path) {
     return readFile(path).at(25) == 6;
-}
-
-/// Runs zvfx on a file of the folder and reads what came out.
-Picture process(const TempDir& folder, const std::string& input, std::vector<std::string> options = {}) {
-    options.insert(options.begin(), {input, "-o", folder.file("out.png")});
-    const ProgramResult result = runZvfx(options);
-    EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_EQ(result.output + result.error, "");
-    return result.status == 0 ? Picture::load(folder.file("out.png")) : Picture();
 }
 
 /// A BMP file of 24 bits a pixel, rows padded to four bytes.
@@ -52,24 +42,17 @@ struct SameCase {
     std::vector<std::string> options;
 };
 
-void PrintTo(const SameCase& row, std::ostream* stream) {
-    *stream << row.name;
-}
-
 class ZvfxSamePixelsPicture : public ::testing::TestWithParam<SameCase> {};
 
 TEST_P(ZvfxSamePixelsPicture, ComeOutAsTheyWentIn) {
     const SameCase& row = GetParam();
-    const TempDir folder;
     const Picture picture = Picture::noise(row.width, row.height, 7, !row.alpha);
-    const std::string input = folder.file("in.png");
-    if (row.alpha) {
-        ASSERT_TRUE(picture.save(input));
-    } else {
+    const ZvfxFolder folder(picture);
+    if (!row.alpha) {
         folder.write("in.png", pngFile({static_cast<std::uint32_t>(row.width),
                                         static_cast<std::uint32_t>(row.height), 8, 2, picture.rgb()}));
     }
-    expectSame(process(folder, input, row.options), picture, std::string("zvfx-same-") + row.name);
+    expectSame(folder.result(row.options), picture, std::string("zvfx-same-") + row.name);
     EXPECT_EQ(pngHasAlpha(folder.file("out.png")), row.alpha);
     EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.png", "out.png"}));
 }
@@ -88,10 +71,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ZvfxFilesPicture, BitmapsStandUprightWhicheverRowComesFirst) {
     for (const bool topDown : {false, true}) {
-        const TempDir folder;
+        const ZvfxFolder folder;
         const Picture picture = Picture::noise(5, 3, 3);
-        const std::string input = folder.write("in.BMP", bmp(picture, topDown));
-        expectSame(process(folder, input), picture, topDown ? "zvfx-bmp-top-down" : "zvfx-bmp");
+        folder.write("in.BMP", bmp(picture, topDown));
+        expectSame(folder.result({}, "in.BMP"), picture, topDown ? "zvfx-bmp-top-down" : "zvfx-bmp");
     }
 }
 
@@ -111,18 +94,18 @@ TEST(ZvfxFilesPicture, OtherKindsOfPngAreExpandedAlphaIsFoundAnd16BitsAreRounded
                  {2, 1, 16, 2, {0, 128, 0, 129, 0, 255, 0xFE, 0x80, 0xFF, 0x7F, 0xFF, 0xFF}},
                  {{0, 1, 1, 255}, {254, 255, 255, 255}}}};
     for (const auto& row : rows) {
-        const TempDir folder;
+        const ZvfxFolder folder;
+        folder.write("in.png", pngFile(row.content));
         const auto width = static_cast<int>(row.content.width);
         const Picture expected =
             Picture::make(width, 1, [&](int x, int) { return row.expected[static_cast<std::size_t>(x)]; });
-        expectSame(process(folder, folder.write("in.png", pngFile(row.content))), expected,
-                   std::string("zvfx-") + row.name);
+        expectSame(folder.result({}), expected, std::string("zvfx-") + row.name);
         EXPECT_EQ(pngHasAlpha(folder.file("out.png")), row.expected[0][3] < 255) << row.name;
     }
 }
 
 TEST(ZvfxFilesPicture, JpegIsDecodedUpright) {
-    const TempDir folder;
+    const ZvfxFolder folder;
     const Picture picture = Picture::make(16, 16, [](int, int y) {
         return y < 8 ? Pixel{255, 0, 0, 255} : Pixel{0, 0, 255, 255};
     });
@@ -132,19 +115,19 @@ TEST(ZvfxFilesPicture, JpegIsDecodedUpright) {
     };
     ASSERT_NE(stbi_write_jpg_to_func(append, &jpeg, 16, 16, 3, picture.rgb().data(), 95), 0);
     // A JPEG stores rounded YCbCr: a pure colour comes back within a few steps.
-    expectNear(process(folder, folder.write("in.jpg", jpeg)), picture, 4, 2, "zvfx-jpeg");
+    folder.write("in.jpg", jpeg);
+    expectNear(folder.result({}, "in.jpg"), picture, 4, 2, "zvfx-jpeg");
 }
 
 TEST(ZvfxFilesPicture, SizeScalesTheWholePicture) {
-    const TempDir folder;
     const auto quarter = [](int x, int y, int middleX, int middleY) {
         return Pixel{static_cast<std::uint8_t>(x < middleX ? 40 : 200),
                      static_cast<std::uint8_t>(y < middleY ? 60 : 180), 90, 255};
     };
     const Picture picture = Picture::make(20, 10, [&](int x, int y) { return quarter(x, y, 10, 5); });
-    ASSERT_TRUE(picture.save(folder.file("in.png")));
+    const ZvfxFolder folder(picture);
     for (const char* size : {"61x31", "8x4"}) {
-        const Picture out = process(folder, folder.file("in.png"), {"--size", size});
+        const Picture out = folder.result({"--size", size});
         ASSERT_EQ(std::to_string(out.width) + "x" + std::to_string(out.height), size);
         for (const int x : {0, out.width - 1}) {
             for (const int y : {0, out.height - 1}) {
@@ -156,16 +139,15 @@ TEST(ZvfxFilesPicture, SizeScalesTheWholePicture) {
 }
 
 TEST(ZvfxFilesPicture, HsvTakesItsFactorsInThisOrderAndKeepsAlpha) {
-    const TempDir folder;
     const Picture picture = Picture::noise(31, 23, 11, false);
-    ASSERT_TRUE(picture.save(folder.file("in.png")));
+    const ZvfxFolder folder(picture);
     const Picture expected = Picture::make(31, 23, [&](int x, int y) {
         const Pixel p = picture.at(x, y);
         const auto half = static_cast<std::uint8_t>((std::max({p[0], p[1], p[2]}) + 1) / 2);
         return Pixel{half, half, half, p[3]};
     });
     for (const char* gl : {"core", "compat"}) {
-        const Picture out = process(folder, folder.file("in.png"), {"--hsv", "1,0,0.5", "--gl", gl});
+        const Picture out = folder.result({"--hsv", "1,0,0.5", "--gl", gl});
         // Both stages round to 8 bits; the conversion there and back costs at most one step more.
         expectNear(out, expected, 1, 0.5, std::string("zvfx-hsv-") + gl);
     }

@@ -3,26 +3,20 @@
 #include <tuple>
 
 #include "apps/RunProgram.h"
-#include "support/Picture.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 
-const std::string& matrix() {
-    static const std::string sMatrix = "[10,0,0,0, 0,10,0,0, 0,0,10,0, 16,8,0,1]";
-    return sMatrix;
-}
+const std::string kMatrix = "[10,0,0,0, 0,10,0,0, 0,0,10,0, 16,8,0,1]";
 
 TEST(ZvfxStickerPicture, GlassesFollowTheTrackAtAnySize) {
-    const TempDir folder;
     const Pixel grey{90, 90, 90, 255};
-    ASSERT_TRUE(Picture(64, 32, grey).save(folder.file("in.png")));
+    const ZvfxFolder folder(Picture(64, 32, grey));
     // In pixels of 32 x 16: a face in the middle, then none, then one that stays at the left.
-    std::string left = matrix();
+    std::string left = kMatrix;
     left.replace(left.find("16,8"), 4, "3,8");
-    folder.write("track.jsonl", R"({"size": [32, 16], "faces": [[)" + matrix() + "," + matrix() + "," +
-                                    matrix() + "]]}\n\n{\"faces\": []}\r\n{\"faces\": [[" + left + "," +
-                                    left + "," + left + "]]}");
+    folder.write("track.jsonl", R"({"size": [32, 16], "faces": [[)" + kMatrix + "," + kMatrix + "," +
+                                    kMatrix + "]]}\n\n{\"faces\": []}\r\n{\"faces\": [[" + left + "," + left +
+                                    "," + left + "]]}");
     // The frame that is kept, and whether the middle and the left edge of it are covered.
     struct Row {
         const char *frames, *size;
@@ -31,11 +25,8 @@ TEST(ZvfxStickerPicture, GlassesFollowTheTrackAtAnySize) {
     for (const Row& row : {Row{"1", "64x32", true, false}, Row{"2", "64x32", false, false},
                            Row{"5", "64x32", false, true}, Row{"1", "128x32", true, false}}) {
         SCOPED_TRACE(std::string(row.frames) + " of " + row.size);
-        const ProgramResult ended =
-            runZvfx({folder.file("in.png"), "-o", folder.file("out.png"), "--sticker", "glasses", "--faces",
-                     folder.file("track.jsonl"), "--frames", row.frames, "--size", row.size, "--quiet"});
-        ASSERT_EQ(ended.status, 0) << ended.error;
-        const Picture out = Picture::load(folder.file("out.png"));
+        const Picture out = folder.result({"--sticker", "glasses", "--faces", folder.file("track.jsonl"),
+                                           "--frames", row.frames, "--size", row.size});
         EXPECT_EQ(out.at(out.width / 2, 16) != grey, row.middle);
         EXPECT_EQ(out.at(out.width * 3 / 32, 16) != grey, row.side);
         EXPECT_EQ(out.at(out.width - 1, 16), grey);
@@ -43,15 +34,14 @@ TEST(ZvfxStickerPicture, GlassesFollowTheTrackAtAnySize) {
 }
 
 TEST(ZvfxStickerPicture, FindsTheFacesItself) {
-    const TempDir folder;
-    const std::string portrait = ZV_TEST_DATA_DIR "/portrait.png", out = folder.file("out.png");
-    const ProgramResult ended =
-        runZvfx({portrait, "-o", out, "--sticker", "glasses", "--faces", "auto", "--quiet"});
+    const Picture before = Picture::load(ZV_TEST_DATA_DIR "/portrait.png");
+    const ZvfxFolder folder(before);
+    const ProgramResult ended = folder.run({"--sticker", "glasses", "--faces", "auto", "--quiet"});
     if (ended.error.find("built without zorvik-face") != std::string::npos) {
         GTEST_SKIP() << ended.error;
     }
     ASSERT_EQ(ended.status, 0) << ended.error;
-    const Picture before = Picture::load(portrait), after = Picture::load(out);
+    const Picture after = Picture::load(folder.file("out.png"));
     // A lens below each eye; mouth and flag stay.
     for (const auto& [x, y, isCovered] : {std::tuple(203, 112, true), std::tuple(247, 114, true),
                                           std::tuple(224, 146, false), std::tuple(40, 40, false)}) {
@@ -61,20 +51,16 @@ TEST(ZvfxStickerPicture, FindsTheFacesItself) {
     for (const auto& [forehead, top, middle, low] :
          {std::tuple("1", true, false, false), std::tuple("0", false, true, false),
           std::tuple("-1", false, true, true)}) {
-        ASSERT_EQ(runZvfx({portrait, "-o", out, "--sticker", "hat", "--faces", "auto", "--quiet", "--shape",
-                           std::string("forehead=") + forehead})
-                      .status,
-                  0);
-        const Picture hat = Picture::load(out);
+        const Picture hat = folder.result(
+            {"--sticker", "hat", "--faces", "auto", "--shape", std::string("forehead=") + forehead});
         const auto isStraw = [&](int y) { return hat.at(227, y)[0] - hat.at(227, y)[2] > 100; };
         EXPECT_EQ(std::tuple(isStraw(8), isStraw(72), isStraw(78)), std::tuple(top, middle, low)) << forehead;
     }
 }
 
 TEST(ZvfxStickerPicture, SaysWhatIsWrongAndInWhichLine) {
-    const TempDir folder;
-    ASSERT_TRUE(Picture(16, 16, {1, 2, 3, 255}).save(folder.file("in.png")));
-    const std::string good = R"({"faces": [[)" + matrix() + "]]}\n";
+    const ZvfxFolder folder(Picture(16, 16, {1, 2, 3, 255}));
+    const std::string good = R"({"faces": [[)" + kMatrix + "]]}\n";
     struct Row {
         std::string track, sticker, says;
     };
@@ -88,11 +74,10 @@ TEST(ZvfxStickerPicture, SaysWhatIsWrongAndInWhichLine) {
           Row{good, "no-such", "no-such: is no folder"}, Row{good, "frame", "512x512, 720x1280"},
           Row{good, folder.path(), "no folder with a sticker.json"}, Row{"", "hat", "--faces"}}) {
         folder.write("track.jsonl", row.track);
-        std::vector<std::string> arguments{folder.file("in.png"), "-o", folder.file("out.png"), "--sticker",
-                                           row.sticker};
+        std::vector<std::string> options{"--sticker", row.sticker};
         if (!row.track.empty())
-            arguments.insert(arguments.end(), {"--faces", folder.file("track.jsonl")});
-        const ProgramResult ended = runZvfx(arguments);
+            options.insert(options.end(), {"--faces", folder.file("track.jsonl")});
+        const ProgramResult ended = folder.run(options);
         EXPECT_EQ(ended.status, 1);
         EXPECT_NE(ended.error.find(row.says), std::string::npos) << ended.error << "instead of " << row.says;
     }

@@ -6,8 +6,6 @@
 #include <nlohmann/json.hpp>
 
 #include "apps/RunProgram.h"
-#include "support/Picture.h"
-#include "support/TempDir.h"
 
 namespace zv::test {
 

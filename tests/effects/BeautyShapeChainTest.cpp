@@ -140,7 +140,7 @@ TEST_F(BeautyShapeChainTest, ASteadyFrameMakesTheCallsOfItsPassesAndNoOther) {
     const AllocationCounter allocated;
     frameAndRead();
     const std::size_t allocations = allocated.allocations();
-    EXPECT_TRUE(!AllocationCounter::available() || allocations == 0U) << allocations;
+    EXPECT_EQ(allocations, 0U);
     std::map<std::string, std::size_t> made;
     for (const GLCall& call : recorder.calls())
         ++made[call.name];
@@ -183,8 +183,6 @@ TEST_F(BeautyShapeChainTest, ASteadyFrameMakesTheCallsOfItsPassesAndNoOther) {
 TEST_F(BeautyShapeChainTest, SwitchingSmoothingLeavesItsWiring) {
     startWith();
     EXPECT_EQ(chain->getFaceShape()->getClipEdge(), 30.0F);
-    chain->getFaceShape()->updateFaceShape(3, -0.7F);
-    EXPECT_EQ(chain->getFaceShape()->getFaceShape(3), -0.7F);
     SkinBuffingNode* skin = chain->getSkinBuffing();
     const Picture before = frameOf(first());
     Program* blur = input->getProgram();

@@ -1,20 +1,15 @@
 #pragma once
 
-#include <algorithm>
-
 #include "effects/BeautyShapeChain.h"
 #include "effects/MeanBlurEffect.h"
 #include "effects/SkinBuffingNode.h"
+#include "gl/GLChecks.h"
 #include "gl/Program.h"
 #include "support/GLCallRecorder.h"
 #include "support/MediaTest.h"
 #include "support/PictureCompare.h"
 
 namespace zv::test {
-
-inline Size16 sizeOf(const Picture& picture) {
-    return {static_cast<unsigned short>(picture.width), static_cast<unsigned short>(picture.height)};
-}
 
 /// A media engine with a beauty chain between its input and an RGBA output.
 class BeautyTest : public MediaTest {
@@ -50,20 +45,6 @@ protected:
         while ((outer = dynamic_cast<RenderTexture*>(outer->getScene()->getFirstChild())) != nullptr)
             found.push_back(outer);
         return found;
-    }
-
-    /// The value that GL got last for a float of a program, -1 when there was none.
-    static float sent(const GLCallRecorder& recorder, Program* program, const char* name) {
-        long long inUse = 0;
-        float last = -1.0F;
-        for (const GLCall& call : recorder.calls()) {
-            const std::string_view called = call.name;
-            inUse = called == "glUseProgram" ? call.integer(0) : inUse;
-            if (called == "glUniform1f" && inUse == program->getName() &&
-                call.integer(0) == program->getUniform(name)->location)
-                last = call.values.at(0);
-        }
-        return last;
     }
 
     BeautyShapeChain* chain = nullptr;

@@ -1,31 +1,23 @@
 #include "effects/ColorFilter.h"
 
-#include <ostream>
+#include <filesystem>
 
 #include "core/FileUtil.h"
+#include "effects/BeautyTest.h"
 #include "effects/ColorTable.h"
 #include "effects/SkinWhitingNode.h"
-#include "scene/RenderTextureChain.h"
 #include "support/LogCapture.h"
-#include "support/MediaTest.h"
-#include "support/PictureCompare.h"
+#include "support/NamedRow.h"
 #include "support/TempDir.h"
 
 namespace zv::test {
 
-void PrintTo(const TableLayout& layout, std::ostream* stream) {
-    *stream << layout.name;
-}
-
 /// One table stage between an input of 65 values a channel and an RGBA output of the same size.
-class TableStage : public MediaTest {
+class TableStage : public BeautyTest {
 protected:
     Picture show(RenderTexture* stage) {
-        media->removeRenderChain();
-        media->init(makeSprite(cube), size, RenderTexture::create(size, nullptr, PXFORMAT_RGBA8888), false);
-        RenderTextureChain* chain = RenderTextureChain::create(size, media->getFrameBuffer());
+        start(makeSprite(cube), size);
         chain->add(stage, true, false);
-        media->setRenderChain(chain);
         frame();
         return output();
     }
@@ -144,11 +136,8 @@ TEST_F(SkinWhitingPicture, MixesInTheLookupImageByThreeTenths) {
 
 TEST_F(SkinWhitingPicture, AMissingLookupImageIsLoggedOnceAndThePictureStays) {
     const TempDir root;
-    for (const char* name :
-         {"ZvShaderTexturePosition.vert", "ZvShaderTexturePosition.frag", "ZvBeautyColorTableFilter.frag"}) {
-        const std::string file = std::string("zv_res/shaders/") + name;
-        root.write(file, readFile(std::string(ZV_TEST_RES_DIR "/") + file));
-    }
+    std::filesystem::create_directory(root.file("zv_res"));
+    std::filesystem::copy(ZV_TEST_RES_DIR "/zv_res/shaders", root.file("zv_res/shaders"));
     FileUtil::getInstance()->setZvRoot(root.path());
     const LogCapture log;
     SkinWhitingNode* node = SkinWhitingNode::create(size, media->getFrameBuffer(), PXFORMAT_RGBA8888);

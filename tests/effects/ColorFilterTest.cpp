@@ -67,31 +67,23 @@ TEST_F(ColorFilterTest, TheIntensityWaitsForTheDrawAndTheDirectionIsSentAtOnce) 
     GLCallRecorder recorder;
     ColorFilter* filter = make(save("table.png", 512, 512));
     EXPECT_EQ(filter->getIntensity(), 0.5F);
-    const auto sent = [&](const char* function) {
-        std::vector<float> values;
-        for (const GLCall& call : recorder.callsOf(function)) {
-            values.insert(values.end(), call.values.begin(), call.values.end());
-        }
-        recorder.clear();
-        return values;
-    };
     using Values = std::vector<float>;
     filter->onDrawSelf(Mat4());
-    EXPECT_EQ(sent("glUniform1f"), Values{0.5F});
+    EXPECT_EQ(recorder.takeValuesOf("glUniform1f"), Values{0.5F});
     filter->setIntensity(-2.0F);
     filter->setIntensity(3.0F);
     EXPECT_EQ(filter->getIntensity(), 3.0F);
-    EXPECT_EQ(sent("glUniform1f"), Values{});
+    EXPECT_EQ(recorder.takeValuesOf("glUniform1f"), Values{});
     filter->onDrawSelf(Mat4());
-    EXPECT_EQ(sent("glUniform1f"), Values{3.0F});
+    EXPECT_EQ(recorder.takeValuesOf("glUniform1f"), Values{3.0F});
 
     glUseProgram(0);
     filter->setImageDirection(true);
     filter->setImageDirection(true);
     EXPECT_EQ(recorder.callsOf("glUseProgram").back().integer(0), filter->getProgram()->getName());
-    EXPECT_EQ(sent("glUniform1i"), Values{1.0F});
+    EXPECT_EQ(recorder.takeValuesOf("glUniform1i"), Values{1.0F});
     filter->setImageDirection(false);
-    EXPECT_EQ(sent("glUniform1i"), Values{0.0F});
+    EXPECT_EQ(recorder.takeValuesOf("glUniform1i"), Values{0.0F});
 }
 
 }  // namespace zv::test

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "BeautyTest.h"
+#include "ColorTable.h"
 #include "effects/HsvNode.h"
 #include "gl/Program.h"
 #include "gl/RenderState.h"
@@ -48,15 +49,6 @@ std::array<double, 3> reference(const Pixel& pixel, const Factors& factors) {
     return {row[0] * 255.0, row[1] * 255.0, row[2] * 255.0};
 }
 
-/// 65 steps of each channel, every alpha somewhere.
-Picture cube() {
-    constexpr int kSteps = 65;
-    const auto level = [](int step) { return static_cast<std::uint8_t>((step * 255 + 32) / 64); };
-    return Picture::make(kSteps * kSteps, kSteps, [&](int x, int y) {
-        return Pixel{level(x % kSteps), level(x / kSteps), level(y), static_cast<std::uint8_t>(x + 7 * y)};
-    });
-}
-
 }  // namespace
 
 class HsvNodePicture : public BeautyTest, public testing::WithParamInterface<Factors> {};
@@ -65,7 +57,9 @@ class HsvNodePicture : public BeautyTest, public testing::WithParamInterface<Fac
 // change nothing.
 TEST_P(HsvNodePicture, FollowsTheFormulaOverTheWholeColourCube) {
     const Factors& factors = GetParam();
-    const Picture picture = cube();
+    Picture picture = colourCube(65);
+    for (std::size_t i = 3; i < picture.rgba.size(); i += 4)
+        picture.rgba[i] = static_cast<std::uint8_t>(i / 4);
     start(makeSprite(picture), sizeOf(picture));
     HsvNode* node = HsvNode::create(sizeOf(picture), media->getFrameBuffer(), PXFORMAT_RGBA8888);
     chain->setHsv(node);

@@ -2,12 +2,12 @@
 // the portrait; at other sizes the portrait lies scaled in the middle of the frame, and they with it.
 #include <cmath>
 #include <numeric>
-#include <ostream>
 #include <random>
 #include <sstream>
 
 #include "BeautyTest.h"
 #include "gl/RenderState.h"
+#include "support/NamedRow.h"
 
 namespace zv::test {
 
@@ -156,10 +156,6 @@ struct Shot {
     double light[3];  ///< what the colours are multiplied by
     double noise;     ///< its standard deviation in steps
 };
-
-void PrintTo(const Shot& row, std::ostream* stream) {
-    *stream << row.name;
-}
 
 class SkinBuffingNodePicture : public BeautyTest, public testing::WithParamInterface<Shot> {
 protected:

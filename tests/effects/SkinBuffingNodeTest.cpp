@@ -32,7 +32,6 @@ TEST_F(SkinBuffingNodeTest, PassesAreHalfSizeAndTheOwnTargetIsWholeAfterAResize)
 }
 
 TEST_F(SkinBuffingNodeTest, StepsTexelsAndStrengthsReachTheirPrograms) {
-    GLCallRecorder recorder;
     SkinBuffingNode* skin = startSkin(Picture::noise(721, 481));
     const auto passes = nestedIn(skin);  // second blur, its input, mean filter, first blur
     const auto expectSent = [&](float vertical, float strength, float sharpen, const Size16& size) {
@@ -40,15 +39,13 @@ TEST_F(SkinBuffingNodeTest, StepsTexelsAndStrengthsReachTheirPrograms) {
         for (Sprite* sprite : {static_cast<Sprite*>(passes[0]), static_cast<Sprite*>(passes[3]),
                                static_cast<Sprite*>(passes[1]), input}) {
             const bool across = sprite == passes[0] || sprite == passes[3];
-            EXPECT_NEAR(sent(recorder, sprite->getProgram(), "texelWidthOffset"), across ? 1 / 240.0 : 0,
-                        1e-7);
-            EXPECT_NEAR(sent(recorder, sprite->getProgram(), "texelHeightOffset"), across ? 0 : vertical,
-                        1e-7);
+            EXPECT_NEAR(valueInGL(*sprite->getProgram(), "texelWidthOffset"), across ? 1 / 240.0 : 0, 1e-7);
+            EXPECT_NEAR(valueInGL(*sprite->getProgram(), "texelHeightOffset"), across ? 0 : vertical, 1e-7);
         }
-        EXPECT_EQ(sent(recorder, skin->getProgram(), "blurAlpha"), strength);
-        EXPECT_EQ(sent(recorder, skin->getProgram(), "u_sharpen"), sharpen);
-        EXPECT_FLOAT_EQ(sent(recorder, skin->getProgram(), "widthOffset"), 1.0F / size.x);
-        EXPECT_FLOAT_EQ(sent(recorder, skin->getProgram(), "heightOffset"), 1.0F / size.y);
+        EXPECT_EQ(valueInGL(*skin->getProgram(), "blurAlpha"), strength);
+        EXPECT_EQ(valueInGL(*skin->getProgram(), "u_sharpen"), sharpen);
+        EXPECT_FLOAT_EQ(valueInGL(*skin->getProgram(), "widthOffset"), 1.0F / size.x);
+        EXPECT_FLOAT_EQ(valueInGL(*skin->getProgram(), "heightOffset"), 1.0F / size.y);
     };
     expectSent(0.00625F, 0.6F, 1.0F, {721, 481});
     media->resetSize({1280, 720});

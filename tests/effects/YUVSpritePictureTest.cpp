@@ -21,27 +21,14 @@ protected:
     const bool isHalf = row.chromaWidth < row.width || row.chromaHeight < row.height;
 
     /// The value of a plane where a pixel lies: a sample that serves two pixels lies in the middle of them.
-    double chromaAt(std::size_t channel, int x, int y) const {
-        const auto place = [&](int pixel, int samples) {
-            return std::min(std::max(isHalf ? (pixel + 0.5) / 2 - 0.5 : pixel, 0.0), samples - 1.0);
-        };
-        const double left = place(x, chroma.width), top = place(y, chroma.height);
-        double value = 0;
-        for (const int column : {0, 1})
-            for (const int line : {0, 1}) {
-                const double weightX = std::abs(1 - column - (left - std::floor(left)));
-                const double weightY = std::abs(1 - line - (top - std::floor(top)));
-                value += weightX * weightY *
-                         chroma.at(std::min(static_cast<int>(left) + column, chroma.width - 1),
-                                   std::min(static_cast<int>(top) + line, chroma.height - 1))[channel];
-            }
-        return value;
+    std::array<double, 4> chromaAt(int x, int y) const {
+        return isHalf ? chroma.between((x + 0.5) / 2 - 0.5, (y + 0.5) / 2 - 0.5) : chroma.between(x, y);
     }
     double exact(std::size_t channel, int x, int y) const {
         const auto& matrix = kToRgb[row.conversion - 1];
+        const std::array<double, 4> uv = chromaAt(x, y);
         const double value = matrix[0][channel] * (luma.at(x, y)[0] - (row.conversion == 2 ? 0 : 16)) +
-                             matrix[1][channel] * (chromaAt(0, x, y) - 128) +
-                             matrix[2][channel] * (chromaAt(1, x, y) - 128);
+                             matrix[1][channel] * (uv[0] - 128) + matrix[2][channel] * (uv[1] - 128);
         return std::min(std::max(value, 0.0), 255.0);
     }
     static Texture2D* planeOf(const Picture& picture, std::size_t first, std::size_t count) {
@@ -93,8 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(PlaneCase{"Video601", 1, 64, 48, 32, 24}, PlaneCase{"Full601", 2, 64, 48, 32, 24},
                     PlaneCase{"Video709", 3, 64, 48, 32, 24}, PlaneCase{"OddRoundedDown", 3, 37, 21, 18, 10},
                     PlaneCase{"OddRoundedUp", 3, 37, 21, 19, 11}, PlaneCase{"OnePixel", 2, 1, 1, 1, 1},
-                    PlaneCase{"Whole601", 1, 37, 21, 37, 21}, PlaneCase{"WholeFull", 2, 37, 21, 37, 21},
-                    PlaneCase{"Whole709", 3, 64, 48, 64, 48}),
+                    PlaneCase{"OneRow", 1, 16384, 1, 8192, 1}, PlaneCase{"TwoPixels", 1, 1, 2, 1, 1},
+                    PlaneCase{"Large", 1, 4096, 2160, 2048, 1080}, PlaneCase{"Whole601", 1, 37, 21, 37, 21},
+                    PlaneCase{"WholeFull", 2, 37, 21, 37, 21}, PlaneCase{"Whole709", 3, 64, 48, 64, 48}),
     [](const auto& row) { return row.param.name; });
 
 }  // namespace zv::test

@@ -127,7 +127,8 @@ std::vector<YuvCase> yuvCases() {
     for (const Standard& standard : kStandards)
         for (const auto& [width, height] : {std::pair{64, 48}, {66, 35}, {321, 181}, {7, 5}})
             rows.push_back({standard, width, height});
-    for (const auto& [width, height] : {std::pair{1, 1}, {1, 4}, {5, 1}, {3, 2}, {2, 3}, {1282, 721}})
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, {1, 4}, {5, 1}, {3, 2}, {2, 3}, {1282, 721}, {64, 1}, {16384, 1}})
         rows.push_back({kStandards[1], width, height});
     return rows;
 }

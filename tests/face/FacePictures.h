@@ -59,20 +59,10 @@ inline void drawPortrait(const Picture& portrait, const Placing& placing, Pictur
     for (int y = 0; y < frame.height; ++y) {
         for (int x = from; x < to; ++x) {
             const Vec2f at = placing.back({static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F});
-            const float fx =
-                std::fmin(std::fmax(at.x - 0.5F, 0.0F), static_cast<float>(portrait.width) - 1.001F);
-            const float fy =
-                std::fmin(std::fmax(at.y - 0.5F, 0.0F), static_cast<float>(portrait.height) - 1.001F);
-            const int x0 = static_cast<int>(fx), y0 = static_cast<int>(fy);
-            const float u = fx - static_cast<float>(x0), v = fy - static_cast<float>(y0);
-            Pixel pixel{0, 0, 0, 255};
-            for (std::size_t i = 0; i < 3; ++i) {
-                const auto one = [&](int dx, int dy) {
-                    return static_cast<float>(portrait.at(x0 + dx, y0 + dy)[i]);
-                };
-                const float top = one(0, 0) * (1.0F - u) + one(1, 0) * u,
-                            low = one(0, 1) * (1.0F - u) + one(1, 1) * u;
-                pixel[i] = static_cast<std::uint8_t>(top * (1.0F - v) + low * v + 0.5F);
+            const std::array<double, 4> mixed = portrait.between(at.x - 0.5, at.y - 0.5);
+            Pixel pixel{};
+            for (std::size_t i = 0; i < 4; ++i) {
+                pixel[i] = static_cast<std::uint8_t>(mixed[i] + 0.5);
             }
             frame.set(x, y, pixel);
         }

@@ -24,9 +24,7 @@ protected:
 
     void track(const Picture& frame) {
         WholeFaceView view(imageOf(frame));
-        tracker.track(view,
-                      {static_cast<unsigned short>(frame.width), static_cast<unsigned short>(frame.height)},
-                      0.04F);
+        tracker.track(view, sizeOf(frame), 0.04F);
     }
     const Vec2f* landmarks(const TrackedFace& face) {
         toLandmarks106(face.mesh, mLandmarks);

@@ -10,12 +10,11 @@
 #include <map>
 #include <ostream>
 
-#include "core/FileUtil.h"
-#include "core/imemstream.h"
 #include "gl/PictureFiles.h"
 #include "gltf/GtSticker.h"
 #include "gltf/WalkModel.h"
 #include "support/LogCapture.h"
+#include "support/MemoryFile.h"
 #include "support/TempDir.h"
 #include "zvfx/FaceTrack.h"
 #if defined(ZV_TEST_FACE)
@@ -27,33 +26,6 @@ namespace zv::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The files as they are, but for one.
-class DamagedFile : public FileUtil {
-public:
-    std::string path;
-    std::string bytes;
-
-    bool getDataFromFile(UniqueDataPtr<unsigned char>& out, const std::string& name) override {
-        out = getDataFromFile(name);
-        return out.size() > 0;
-    }
-    UniqueDataPtr<unsigned char> getDataFromFile(const std::string& name) override {
-        if (name != path) {
-            return FileUtil::getDataFromFile(name);
-        }
-        UniqueDataPtr<unsigned char> out(bytes.size());
-        bytes.copy(reinterpret_cast<char*>(out.get(0)), bytes.size());
-        return out;
-    }
-    std::unique_ptr<std::istream> getiStreamFromFile(const std::string& name, int mode) override {
-        return name == path ? std::make_unique<imemstream>(bytes.data(), bytes.size())
-                            : FileUtil::getiStreamFromFile(name, mode);
-    }
-    std::string getTextFromFile(const std::string& name) override {
-        return name == path ? bytes : FileUtil::getTextFromFile(name);
-    }
-};
 
 bool readModel(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -144,15 +116,13 @@ TEST(DamagedFilesThemselves, AreMadeOfAllThatIsShipped) {
 
 TEST_P(DamagedFiles, AreRefusedOrReadAndNothingElseBreaks) {
     const Sample& sample = GetParam();
-    auto made = std::make_unique<DamagedFile>();
-    DamagedFile* files = made.get();
-    files->path = sample.path;
-    FileUtil::setInstance(std::move(made));
+    MemoryFile& file = installFiles<MemoryFile>();
+    file.path = sample.path;
     const LogCapture log;  // what is refused is told there
     int tried = 0;
     const auto reads = [&](std::string bytes) {
         ++tried;
-        files->bytes = std::move(bytes);
+        file.bytes = std::move(bytes);
         return sample.read(sample.path);
     };
     const std::size_t size = sample.bytes.size();

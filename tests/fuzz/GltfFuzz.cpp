@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/FileUtil.h"
 #include "gltf/GtDrawCall.h"
 #include "gltf/WalkModel.h"
+#include "support/MemoryFile.h"
 
 namespace {
 
@@ -58,13 +58,8 @@ void lookUpDraws(const gltf::GtModel& model) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    static InputFiles* files = [] {
-        auto made = std::make_unique<InputFiles>();
-        InputFiles* kept = made.get();
-        FileUtil::setInstance(std::move(made));
-        return kept;
-    }();
-    files->setInput(data, size);
+    static InputFiles& files = test::installFiles<InputFiles>();
+    files.setInput(data, size);
     gltf::GtModel model;
     model.parser("m", "m/m.gltf");
     // A model whose parser failed is walked as well: what was read so far stays sound.

@@ -9,7 +9,7 @@
 
 #include "core/ZVLog.h"
 #include "face/FaceModel.h"
-#include "fuzz/InputFile.h"
+#include "support/MemoryFile.h"
 
 namespace {
 
@@ -26,8 +26,7 @@ std::string smallestModel() {
 }
 
 bool loads(const std::string& bytes) {
-    zv::test::InputFile::instance().setBytes(reinterpret_cast<const unsigned char*>(bytes.data()),
-                                             bytes.size());
+    zv::test::serveAsEveryFile(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
     zv::FaceModel model;
     return model.load("f.onnx", {"input", {1, 3, 256, 256}}, {});
 }

@@ -3,11 +3,11 @@
 #include <cstdlib>
 
 #include "core/ZVLog.h"
-#include "fuzz/InputFile.h"
 #include "gltf/GtSticker.h"
+#include "support/MemoryFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    zv::test::InputFile::instance().setBytes(data, size);
+    zv::test::serveAsEveryFile(data, size);
     zv::gltf::GtSticker sticker;
     std::string folder = "folder";
     std::string path = "as it was";

@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include "core/TVec.h"
+#include "gl/Program.h"
 #include "support/GLCallRecorder.h"
 #include "support/GLTest.h"
 
@@ -12,6 +13,13 @@ namespace zv::test {
 inline long long integer(GLenum name) {
     GLint value = -1;
     glGetIntegerv(name, &value);
+    return value;
+}
+
+/// The value of a float of a program, as GL has it.
+inline float valueInGL(Program& program, const char* uniform) {
+    GLfloat value = 0;
+    glGetUniformfv(program.getName(), program.getUniform(uniform)->location, &value);
     return value;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "gl/Image.h"
+
 namespace zv::test {
 
 using Bytes = std::vector<unsigned char>;
@@ -36,7 +38,22 @@ struct BmpContent {
 
 Bytes bmpFile(const BmpContent& content);
 
-/// Whether the engine's reader takes that file; looks at every byte that its answer promises.
+/// Whether a decoded picture has all the bytes that its size and format promise; reads each.
+inline bool keepsItsPromise(const Image& image) {
+    const std::uint64_t pixels = std::uint64_t{image.getSize().x} * image.getSize().y;
+    const std::uint64_t channels = image.getPixelFormat() == PXFORMAT_GRAY8          ? 1
+                                   : image.getPixelFormat() == PXFORMAT_GRAY_ALPHA88 ? 2
+                                   : image.getPixelFormat() == PXFORMAT_RGB888       ? 3
+                                                                                     : 4;
+    std::uint64_t sum = 0;
+    for (std::uint64_t i = 0; i < image.getImageSize(); ++i) {
+        sum += *image.getData().get(i);
+    }
+    return pixels > 0 && image.getImageSize() >= pixels * channels &&
+           image.getImageSize() <= Image::MAX_IMAGE_BYTES && sum <= image.getImageSize() * 255;
+}
+
+/// Whether the engine's reader takes that file, which must keep its promise then.
 bool decodes(const std::string& path);
 
 }  // namespace zv::test

@@ -33,12 +33,6 @@ Mat4 toMat(const float* values) {
     return matrix;
 }
 
-float valueInGL(Program& program, const char* uniform) {
-    GLfloat value = 0;
-    glGetUniformfv(program.getName(), program.getUniform(uniform)->location, &value);
-    return value;
-}
-
 using Sources = std::vector<std::string>;
 
 /// The texts that GL was given for both shaders.
@@ -108,9 +102,9 @@ TEST_F(ProgramTest, LinkedProgramKnowsItsVariables) {
     EXPECT_EQ(recorder.count("glUniform1i"), 2u);
     EXPECT_EQ(integer(GL_CURRENT_PROGRAM), name);
 
-    glUseProgram(0);
     drainPool();
-    EXPECT_FALSE(glIsProgram(name));
+    EXPECT_FALSE(glIsProgram(name)) << "goes with its owner although it is in use";
+    EXPECT_EQ(integer(GL_CURRENT_PROGRAM), 0);
 }
 
 TEST_F(ProgramTest, EachSetterCallsGLOnlyForAnotherValue) {

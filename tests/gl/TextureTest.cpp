@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
 
 #include "gl/GLChecks.h"
@@ -88,19 +87,12 @@ TEST_F(TextureTest, BindsToItsUnitAndSetsParametersInOrder) {
     EXPECT_EQ(integer(GL_ACTIVE_TEXTURE), GL_TEXTURE0);
 }
 
-/// `count` bytes, no two neighbours alike.
+/// `count` bytes, no two neighbours alike; a sanitizer sees a read past them.
 Bytes pattern(std::size_t count, std::size_t seed = 1) {
     Bytes bytes(count);
     for (std::size_t i = 0; i < count; ++i)
         bytes[i] = static_cast<unsigned char>(seed * 31 + i * 37 + i / 7);
     return bytes;
-}
-
-/// A block that ends where its bytes end, so that a sanitizer sees a read past them.
-std::unique_ptr<unsigned char[]> exactBlock(const Bytes& bytes) {
-    auto block = std::make_unique<unsigned char[]>(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), block.get());
-    return block;
 }
 
 bool coreContext() {
@@ -136,14 +128,13 @@ TEST_P(TextureUploadTest, EveryByteArrivesAndIsReplacedAtAnyWidth) {
     Texture2D texture;
     for (std::size_t round = 0; round < 2; ++round) {
         const Bytes bytes = pattern(stride * height, round);
-        const auto block = exactBlock(bytes);
         Bytes tight;
         for (std::size_t y = 0; y < height; ++y)
-            tight.insert(tight.end(), &block[y * stride], &block[y * stride] + row);
+            tight.insert(tight.end(), &bytes[y * stride], &bytes[y * stride] + row);
         // A host's alignment must not matter; afterwards GL's default holds.
         glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
         const unsigned int before = texture.getName();
-        ASSERT_TRUE(texture.updateWithData(block.get(), bytes.size(), format, Size16(width, height)));
+        ASSERT_TRUE(texture.updateWithData(bytes.data(), bytes.size(), format, Size16(width, height)));
         EXPECT_EQ(integer(GL_UNPACK_ALIGNMENT), 4);
         EXPECT_EQ(texture.getName() == before, round == 1) << "the second time the pixels alone are replaced";
         EXPECT_EQ(readBack(texture, format, tight.size()), tight) << "round " << round;
@@ -166,14 +157,13 @@ using Texture2DTest = GLTest;
 
 TEST_F(Texture2DTest, RefusedUploadsLeaveTheTextureAsItWas) {
     const Bytes bytes = pattern(12);
-    const auto block = exactBlock(bytes);
-    const unsigned char* data = block.get();
+    const unsigned char* data = bytes.data();
     const Size16 size(2, 2);
     Texture2D texture;
     ASSERT_TRUE(texture.init(data, 12, PXFORMAT_RGB888, size));
     const unsigned int name = texture.getName();
     const UniqueDataPtr<unsigned char> shortData(11);
-    const _MipmapInfo shortLevels[] = {{block.get(), 12}, {block.get(), 2}};
+    const _MipmapInfo shortLevels[] = {{data, 12}, {data, 2}};
     Image empty;
     const bool answers[] = {texture.init(data, 11, PXFORMAT_RGB888, size),
                             texture.init(shortData, PXFORMAT_RGB888, size),
@@ -242,7 +232,6 @@ TEST_F(Texture2DTest, MipLevelsHalveDownToOne) {
 
 TEST_F(Texture2DTest, CompressedLevelsAreMeasuredInBlocks) {
     const Bytes bytes = pattern(32);
-    const auto block = exactBlock(bytes);
     struct Row {
         PxFormat format;
         std::uint64_t blockBytes;
@@ -255,11 +244,11 @@ TEST_F(Texture2DTest, CompressedLevelsAreMeasuredInBlocks) {
     for (const Row& row : rows) {
         // 5 x 3 pixels are 2 x 1 blocks.
         Texture2D texture;
-        EXPECT_FALSE(texture.init(block.get(), 2 * row.blockBytes - 1, row.format, Size16(5, 3)));
+        EXPECT_FALSE(texture.init(bytes.data(), 2 * row.blockBytes - 1, row.format, Size16(5, 3)));
         EXPECT_EQ(Texture::getPxFormatInfo(row.format)->internalFormat, row.internalFormat);
         if (row.format > PXFORMAT_S3TC_DXT5 || !GLEW_EXT_texture_compression_s3tc)
             continue;
-        const _MipmapInfo levels[] = {{block.get(), 32}, {block.get(), row.blockBytes}};
+        const _MipmapInfo levels[] = {{bytes.data(), 32}, {bytes.data(), row.blockBytes}};
         ASSERT_TRUE(texture.initWithMipmaps(levels, 2, row.format, Size16(5, 3)));
         Bytes kept(2 * row.blockBytes);
         glGetCompressedTexImage(GL_TEXTURE_2D, 0, kept.data());

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <vector>
 
 #include "gltf/GtModel.h"
@@ -56,6 +57,11 @@ void append(std::vector<unsigned char>& bytes, double value) {
     std::memcpy(&bytes[bytes.size() - sizeof(T)], &number, sizeof(T));
 }
 
+const std::map<int, void (*)(std::vector<unsigned char>&, double)> APPENDERS = {
+    {F32, append<float>},        {I32, append<std::int32_t>}, {U32, append<std::uint32_t>},
+    {U8, append<unsigned char>}, {I8, append<unsigned char>},
+};
+
 /// One animation; each channel has its sampler, view, accessor and buffer, which ends with the last value.
 void fill(GtModel& model, const std::vector<Channel>& channels) {
     const std::size_t count = channels.size();
@@ -75,16 +81,8 @@ void fill(GtModel& model, const std::vector<Channel>& channels) {
         sampler.times.resize(channel.keys.size());
         std::copy(channel.keys.begin(), channel.keys.end(), sampler.times.get(0));
         std::vector<unsigned char> bytes;
-        for (const double value : channel.values) {
-            if (channel.type == F32)
-                append<float>(bytes, value);
-            else if (channel.type == I32)
-                append<std::int32_t>(bytes, value);
-            else if (channel.type == U32)
-                append<std::uint32_t>(bytes, value);
-            else
-                append<unsigned char>(bytes, value);
-        }
+        for (const double value : channel.values)
+            APPENDERS.at(channel.type)(bytes, value);
         model.buffers[i].resize(bytes.size());
         std::copy(bytes.begin(), bytes.end(), model.buffers[i].get(0));
         model.bufferViews[i] = {index, 0, channel.stride, static_cast<unsigned>(bytes.size()), 0};
@@ -154,7 +152,6 @@ TEST_P(GtAnimationRule, Holds) {
 INSTANTIATE_TEST_SUITE_P(Rows, GtAnimationRule, testing::ValuesIn(CASES));
 
 TEST(GtAnimation, AllocatesNothingForEntriesThatAreThere) {
-    ZV_NEEDS_ALLOCATION_COUNTER();
     GtModel model;
     fill(model, CASES[2].channels);
     std::unordered_map<int, GtAniNode> entries;

@@ -1,5 +1,6 @@
 #include "StickerTest.h"
 #include "gl/AttribIndex.h"
+#include "support/NamedRow.h"
 
 namespace zv::test {
 
@@ -159,10 +160,6 @@ struct Damage {
     const char* from;
     const char* to;
 };
-
-std::ostream& operator<<(std::ostream& stream, const Damage& row) {
-    return stream << row.name;
-}
 
 class GtStickerDamagePicture : public StickerTest, public testing::WithParamInterface<Damage> {};
 

@@ -53,11 +53,11 @@ struct StickerFiles {
     /// Joints and weights for four vertices alike, as `more` above.
     std::string skin(std::vector<unsigned char> joints, const std::vector<float>& weights) {
         std::vector<float> all;
-        for (int i = 0; i < 4; ++i)
-            all.insert(all.end(), weights.begin(), weights.end());
         std::vector<unsigned char> every;
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
+            all.insert(all.end(), weights.begin(), weights.end());
             every.insert(every.end(), joints.begin(), joints.end());
+        }
         const std::size_t first = add(every, kUByte, "VEC4", 4);
         add(all, kFloat, "VEC4", 4);
         return R"(, "JOINTS_0": )" + std::to_string(first) + R"(, "WEIGHTS_0": )" + std::to_string(first + 1);

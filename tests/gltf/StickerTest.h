@@ -3,15 +3,14 @@
 #include <algorithm>
 
 #include "StickerFiles.h"
-#include "algorithm/AlgDelivery.h"
 #include "algorithm/AlgEngine.h"
-#include "algorithm/AlgKelNN.h"
 #include "core/Mat4.h"
 #include "gltf/GtSticker.h"
 #include "support/GLCallRecorder.h"
 #include "support/LogCapture.h"
 #include "support/MediaTest.h"
 #include "support/PictureCompare.h"
+#include "support/SomeFace.h"
 
 namespace zv::test {
 
@@ -23,23 +22,11 @@ protected:
     static constexpr Pixel kGrey{100, 100, 100, 255};
     using Faces = std::vector<std::vector<Mat4>>;
 
-    struct Detector : kel_algorithm::AlgKelNN::Detector {
-        kel_algorithm::AlgFaceMatsList faces;
-        bool detect(kel_algorithm::AlgFaceResults& results) override {
-            kel_algorithm::copyElement(faces, results.mats);
-            return true;
-        }
-    };
-
     void SetUp() override {
         MediaTest::SetUp();
         start(Picture(kWidth, kHeight, kGrey));
     }
-    void start(const Picture& input) {
-        media->init(makeSprite(input),
-                    {static_cast<unsigned short>(input.width), static_cast<unsigned short>(input.height)},
-                    nullptr, false);
-    }
+    void start(const Picture& input) { media->init(makeSprite(input), sizeOf(input), nullptr, false); }
     GtSticker* show(const std::string& folder) {
         GtSticker* sticker = GtSticker::create(folder);
         EXPECT_NE(sticker, nullptr);
@@ -47,10 +34,10 @@ protected:
         return sticker;
     }
     void detect(const Faces& faces) {
-        detector->faces.resize(faces.size());
+        detector->told.mats.resize(faces.size());
         for (std::size_t i = 0; i < faces.size(); ++i) {
-            detector->faces[i].resize(faces[i].size());
-            std::copy(faces[i].begin(), faces[i].end(), detector->faces[i].get(0));
+            detector->told.mats[i].resize(faces[i].size());
+            std::copy(faces[i].begin(), faces[i].end(), detector->told.mats[i].get(0));
         }
         media->getAlgEngine()->getKelNN()->setDetector(detector);
     }
@@ -74,7 +61,7 @@ protected:
         });
     }
 
-    std::shared_ptr<Detector> detector = std::make_shared<Detector>();
+    std::shared_ptr<ToldDetector> detector = std::make_shared<ToldDetector>();
 };
 
 }  // namespace zv::test

@@ -2,7 +2,6 @@
 #include <functional>
 
 #include "algorithm/AlgEngine.h"
-#include "algorithm/AlgKelNN.h"
 #include "effects/BeautyTest.h"
 #include "effects/ColorFilter.h"
 #include "effects/Effect70SNode.h"
@@ -13,10 +12,6 @@
 #include "effects/JitterNode.h"
 #include "effects/SkinWhitingNode.h"
 #include "effects/SoulstuffNode.h"
-#include "effects/YUVSprite.h"
-#include "effects/Yuv420RenderTexture.h"
-#include "effects/Yuv444RenderTexture.h"
-#include "effects/YuvTest.h"
 #include "support/LogCapture.h"
 #include "support/SomeFace.h"
 
@@ -32,20 +27,16 @@ struct Effect {
     std::function<void(BeautyShapeChain&, const Size16&)> add;
 };
 
-/// One face that fills the picture, and one that is half outside.
-struct Faces : kel_algorithm::AlgKelNN::Detector {
-    explicit Faces(const Size16& size) : picture{static_cast<float>(size.x), static_cast<float>(size.y)} {}
-    bool detect(kel_algorithm::AlgFaceResults& results) override {
-        if (results.landmarks.size() != 2) {
-            results.landmarks.resize(2);
-        }
-        const float radius = std::min(picture.x, picture.y) / 2.0F + 9.0F;
-        placeFace(results.landmarks[0], {picture.x / 2.0F, picture.y / 2.0F}, radius);
-        placeFace(results.landmarks[1], picture, radius);
-        return true;
-    }
-    Vec2f picture;
-};
+/// Finds one face that fills the picture, and one that is half outside.
+std::shared_ptr<ToldDetector> faces(const Size16& size) {
+    auto detector = std::make_shared<ToldDetector>();
+    const Vec2f corner(size.x, size.y);
+    const float radius = std::min(corner.x, corner.y) / 2.0F + 9.0F;
+    detector->told.landmarks.resize(2);
+    placeFace(detector->told.landmarks[0], {corner.x / 2.0F, corner.y / 2.0F}, radius);
+    placeFace(detector->told.landmarks[1], corner, radius);
+    return detector;
+}
 
 template <class Node>
 void addLook(BeautyShapeChain& chain, const Size16& size) {
@@ -66,7 +57,7 @@ const Effect kEffects[] = {
          chain.getFaceShape()->updateFaceShape(FACE_SHAPE_EYES, 1.0F);
          chain.getFaceShape()->updateFaceShape(FACE_SHAPE_SLIM, -1.0F);
          chain.getFaceShape()->setClipEdge(0.0F);
-         ZVMediaEngine::getCurrent()->getAlgEngine()->getKelNN()->setDetector(std::make_shared<Faces>(size));
+         ZVMediaEngine::getCurrent()->getAlgEngine()->getKelNN()->setDetector(faces(size));
      }},
     {"whitening and a table", true,
      [](auto& chain, const Size16& size) {
@@ -103,15 +94,6 @@ int spread(const Picture& picture, int red, int green, int blue) {
 class Sizes : public BeautyTest {
 protected:
     static Picture grey(const Size16& size) { return Picture(size.x, size.y, {kGrey, kGrey, kGrey, 255}); }
-
-    static Texture2D* plane(const Size16& size, unsigned char value) {
-        const unsigned char bytes[] = {value};
-        auto* texture = new Texture2D;
-        texture->autorelease();
-        const unsigned int name = makePlane(1, 1, 1, bytes);
-        EXPECT_TRUE(texture->init(name, size, PXFORMAT_R8, true));
-        return texture;
-    }
 };
 
 TEST_F(Sizes, EveryEffectDrawsEverySize) {
@@ -138,35 +120,6 @@ TEST_F(Sizes, EveryEffectDrawsEverySize) {
                 ASSERT_EQ(out.rgba[i], 255) << "a pixel that was not drawn: " << i / 4;
             }
             EXPECT_EQ(logged.text(), "");
-        }
-    }
-}
-
-TEST_F(Sizes, YuvGoesInAndComesOut) {
-    for (const Size16& size : kSizes) {
-        if (size.y > 2160) {
-            continue;  // the packed target is half as high again, more than GL takes
-        }
-        SCOPED_TRACE(named(size));
-        const Size16 half{static_cast<unsigned short>((size.x + 1) / 2),
-                          static_cast<unsigned short>((size.y + 1) / 2)};
-        for (const bool packed : {true, false}) {
-            YUVSprite* sprite = YUVSprite::create(plane(size, 90), plane(half, 110), plane(half, 150));
-            sprite->setColorConversion(COLOR_CONVERSION_601_VIDEO);
-            RenderTexture* out = packed
-                                     ? static_cast<RenderTexture*>(Yuv420RenderTexture::create(size, nullptr))
-                                     : Yuv444RenderTexture::create(size, nullptr);
-            media->init(sprite, size, out, false);
-            frame();
-            out->getOutData();
-            const UniqueDataPtr<unsigned char> bytes = out->getOutData();
-            const std::size_t last = std::size_t{size.x} * size.y * 3 - 1;
-            EXPECT_NEAR(*bytes.get(0), 90, 2) << packed;
-            EXPECT_NEAR(*bytes.get(packed ? size.x - 1u : last - 2), 90, 2) << packed;
-            if (!packed) {
-                EXPECT_NEAR(*bytes.get(last - 1), 110, 2);
-                EXPECT_NEAR(*bytes.get(last), 150, 2);
-            }
         }
     }
 }

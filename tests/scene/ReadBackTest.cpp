@@ -121,10 +121,7 @@ TEST_F(ReadBackTest, NeverReadsIntoMemoryDirectlyAndReusesItsTwoBuffers) {
     EXPECT_EQ(counter.allocations(), 0U);
     EXPECT_EQ(calls.countObjectCalls() + calls.count("glBufferData"), 0U);
     EXPECT_EQ(calls.count("glReadPixels"), 2U);
-    std::vector<long long> packed;
-    for (const GLCall& call : calls.callsOf("glBindBuffer")) {
-        packed.push_back(call.integer(1));
-    }
+    const std::vector<long long> packed = calls.argumentsOf("glBindBuffer", 1);
     ASSERT_EQ(packed.size(), 6U);
     EXPECT_NE(packed[0], packed[1]) << "never maps the buffer of the read just started";
     EXPECT_EQ(packed, (std::vector<long long>{packed[0], packed[1], 0, packed[1], packed[0], 0}));

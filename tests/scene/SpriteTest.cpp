@@ -20,10 +20,8 @@ bool hasVertexArrays() {
 
 /// A texture whose row 0 is the picture's top row. Autoreleased.
 Texture2D* textureOf(const Picture& picture) {
-    const Size16 size(static_cast<unsigned short>(picture.width),
-                      static_cast<unsigned short>(picture.height));
     return createRef<Texture2D>([&](Texture2D& texture) {
-        return texture.init(picture.rgba.data(), picture.rgba.size(), PXFORMAT_RGBA8888, size);
+        return texture.init(picture.rgba.data(), picture.rgba.size(), PXFORMAT_RGBA8888, sizeOf(picture));
     });
 }
 
@@ -157,11 +155,7 @@ TEST_F(SpriteTest, UploadsGrowWithTheCoordinateSets) {
     const auto uploaded = [&] {
         calls.clear();
         draw(sprite);
-        std::vector<long long> sizes;
-        for (const GLCall& upload : calls.callsOf("glBufferData")) {
-            sizes.push_back(upload.integer(1));
-        }
-        return sizes;
+        return calls.argumentsOf("glBufferData", 1);
     };
     using Sizes = std::vector<long long>;
     T2F_Quad coords;

@@ -44,6 +44,12 @@ TEST_F(ZVMediaEngineLinksTest, ASecondInitReleasesTheFirstPipeline) {
     // The same input again stays alive although only the engine holds it.
     media->init(second, kSize, nullptr, false);
     EXPECT_EQ(media->getInputSprite(), second);
+    frame();
+    RenderTexture* own = media->getLastRenderTexture();
+    media->init(second, kSize, own, false);
+    frame();
+    EXPECT_EQ(media->getLastRenderTexture(), own) << "so does an output";
+    EXPECT_EQ(pictureOf(own->getTexture(0)), Picture::noise(kWidth, kHeight, 9));
     media->init(nullptr, kSize, nullptr, false);
     EXPECT_EQ(media->getRenderChain()->getInputNode(), nullptr);
     first->release();
@@ -78,6 +84,16 @@ TEST_F(ZVMediaEngineLinksTest, ChainIsLinkedBetweenInputAndOutputAndGivenBack) {
     media->setRenderChain(nullptr);
     EXPECT_EQ(inLast(), Nodes{input});
     chain->release();
+
+    // A cleared chain leaves no picture of its own over the live one.
+    RenderTextureChain* cleared = makeChain(true, true);
+    media->setRenderChain(cleared);
+    frame();
+    cleared->clearAllRenderTexture();
+    const Picture live = Picture::noise(kWidth, kHeight, 21);
+    input->setTexture(makeTexture(live), 0, nullptr);
+    frame();
+    EXPECT_EQ(output(), live);
 }
 
 TEST_F(ZVMediaEngineLinksTest, ValidityOfTheChainIsPickedUpAtTheNextUpdate) {
@@ -189,6 +205,15 @@ TEST_F(ZVMediaEngineLinksTest, WhatTheScreenShowsBesideThePipelineFollowsIt) {
     media->setRenderToScreen(false);
     toggleScreen();
     EXPECT_EQ(onScreen(), Nodes{input});
+
+    // The screen keeps the input when the last render texture is switched off.
+    input = init(nullptr, false);
+    media->setRenderToScreen(true);
+    media->setLastEnable(false);
+    EXPECT_EQ(onScreen(), Nodes{input});
+    media->relink();
+    EXPECT_EQ(onScreen(), Nodes{input});
+    EXPECT_EQ(input->getParent(), media->getCurScene());
 }
 
 TEST_F(ZVMediaEngineLinksTest, LastRenderTextureMayChangeAndGo) {

@@ -1,7 +1,5 @@
 #include "soak/BusyHost.h"
 
-#include <GL/glew.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -10,7 +8,7 @@
 
 #include "algorithm/AlgEngine.h"
 #include "algorithm/AlgKelNN.h"
-#include "core/FileUtil.h"
+#include "core/RefCreate.h"
 #include "effects/BeautyShapeChain.h"
 #include "effects/ColorFilter.h"
 #include "effects/Effect70SNode.h"
@@ -81,14 +79,23 @@ private:
 std::vector<std::string> entriesOf(const std::string& folder, const char* ending) {
     std::vector<std::string> paths;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const std::string path = entry.path().generic_string();
-        if (path.size() > std::strlen(ending) &&
-            path.compare(path.size() - std::strlen(ending), std::string::npos, ending) == 0) {
-            paths.push_back(path);
+        if (*ending == '\0' || entry.path().extension() == ending) {
+            paths.push_back(entry.path().generic_string());
         }
     }
     std::sort(paths.begin(), paths.end());
     return paths;
+}
+
+/// Autoreleased, as all that is made here.
+Sprite* makeSprite(Texture2D* texture) {
+    return createRef<Sprite>([&](Sprite& sprite) { return sprite.init(texture, false); });
+}
+
+/// A stage, or none.
+template <class Stage>
+Stage* makeStage(bool wanted, const Size16& size, FrameBuffer* frameBuffer) {
+    return wanted ? Stage::create(size, frameBuffer, PXFORMAT_RGB888) : nullptr;
 }
 
 std::uint64_t bytesOf(const Size16& size, int channels) {
@@ -103,13 +110,6 @@ BusyHost::BusyHost(const std::shared_ptr<host::HeadlessContext>& context, std::s
       mResources(std::move(resources)),
       mLooks(entriesOf(mResources + "/zv_res/lookups", ".png")),
       mStickers(entriesOf(mResources + "/zv_res/stickers", "")) {
-    glGenTextures(1, &mScreenTexture);
-    glBindTexture(GL_TEXTURE_2D, mScreenTexture);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 64, 48, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glGenFramebuffers(1, &mScreen);
-    glBindFramebuffer(GL_FRAMEBUFFER, mScreen);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, mScreenTexture, 0);
     mEngine = std::make_unique<ZVMediaEngine>(context);
     mEngine->setAutoUpdate(false);
     everything();
@@ -120,8 +120,6 @@ BusyHost::~BusyHost() {
     mOutput.set(nullptr);
     mChain.set(nullptr);
     mEngine.reset();
-    glDeleteFramebuffers(1, &mScreen);
-    glDeleteTextures(1, &mScreenTexture);
 }
 
 float BusyHost::anyAmount() {
@@ -147,7 +145,9 @@ void BusyHost::everything() {
     }
     for (int i = 0; i < 12; ++i) {
         otherChain();
-        otherEffect();
+        if (mChain.get() != nullptr) {
+            otherEffect();
+        }
         drawFrame();
     }
     for (std::size_t i = 0; i < kMostStickers; ++i) {
@@ -160,58 +160,44 @@ void BusyHost::everything() {
 void BusyHost::deed() {
     using Deed = void (BusyHost::*)();
     static constexpr Deed kDeeds[] = {
-        &BusyHost::otherInput,   &BusyHost::otherOutput,   &BusyHost::otherSize,  &BusyHost::otherSize,
-        &BusyHost::otherChain,   &BusyHost::otherStage,    &BusyHost::otherStage, &BusyHost::otherEffect,
-        &BusyHost::otherTable,   &BusyHost::otherFlags,    &BusyHost::otherFlags, &BusyHost::otherStrengths,
-        &BusyHost::moreStickers, &BusyHost::fewerStickers, &BusyHost::otherFaces, &BusyHost::otherSwitches};
-    (this->*kDeeds[any(static_cast<int>(std::size(kDeeds)) - 1)])();
+        &BusyHost::otherStage,     &BusyHost::otherStage,    &BusyHost::otherEffect,
+        &BusyHost::otherTable,     &BusyHost::otherFlags,    &BusyHost::otherFlags,
+        &BusyHost::otherStrengths, &BusyHost::otherInput,    &BusyHost::otherOutput,
+        &BusyHost::otherSize,      &BusyHost::otherSize,     &BusyHost::otherChain,
+        &BusyHost::moreStickers,   &BusyHost::fewerStickers, &BusyHost::otherFaces,
+        &BusyHost::otherSwitches};
+    constexpr int kOfTheChain = 7;  // the first ones
+    const int which = any(static_cast<int>(std::size(kDeeds)) - 1);
+    if (which >= kOfTheChain || mChain.get() != nullptr) {
+        (this->*kDeeds[which])();
+    }
 }
 
 Texture2D* BusyHost::makePlane(const Size16& size, int channels) {
-    auto* texture = new Texture2D;
-    texture->autorelease();
     const PxFormat format = channels == 4 ? PXFORMAT_RGBA8888 : channels == 2 ? PXFORMAT_RG88 : PXFORMAT_R8;
     const std::vector<unsigned char> grey(bytesOf(size, channels), 128);
-    texture->init(grey.data(), grey.size(), format, size);
-    return texture;
+    return createRef<Texture2D>(
+        [&](Texture2D& texture) { return texture.init(grey.data(), grey.size(), format, size); });
 }
 
 void BusyHost::otherInput() {
     const Size16 size = anySize();
     const Size16 half{static_cast<unsigned short>((size.x + 1) / 2),
                       static_cast<unsigned short>((size.y + 1) / 2)};
-    switch (any(2)) {
-        case 0: {
-            auto* sprite = new Sprite;
-            sprite->autorelease();
-            sprite->init(makePlane(size, 4), false);
-            mInput.set(sprite);
-            break;
-        }
-        case 1:
-            mInput.set(YUVSprite::create(makePlane(size, 1), makePlane(half, 2)));
-            break;
-        default:
-            mInput.set(YUVSprite::create(makePlane(size, 1), makePlane(half, 1), makePlane(half, 1)));
-    }
+    Texture2D* luma = makePlane(size, 1);
+    Sprite* const inputs[] = {makeSprite(makePlane(size, 4)), YUVSprite::create(luma, makePlane(half, 2)),
+                              YUVSprite::create(luma, makePlane(half, 1), makePlane(half, 1))};
+    mInput.set(inputs[any(2)]);
     mEngine->init(mInput.get(), mSize, mOutput.get(), any(1) == 0);
 }
 
 void BusyHost::otherOutput() {
     mSize = anySize();
-    switch (any(3)) {
-        case 0:
-            mOutput.set(RenderTexture::create(mSize, nullptr, PXFORMAT_RGBA8888));
-            break;
-        case 1:
-            mOutput.set(Yuv420RenderTexture::create(mSize, nullptr));
-            break;
-        case 2:
-            mOutput.set(Yuv444RenderTexture::create(mSize, nullptr));
-            break;
-        default:
-            mOutput.set(nullptr);  // the engine makes its own
-    }
+    // The last: the engine makes its own.
+    RenderTexture* const outputs[] = {RenderTexture::create(mSize, nullptr, PXFORMAT_RGBA8888),
+                                      Yuv420RenderTexture::create(mSize, nullptr),
+                                      Yuv444RenderTexture::create(mSize, nullptr), nullptr};
+    mOutput.set(outputs[any(3)]);
     mEngine->init(mInput.get(), mSize, mOutput.get(), any(1) == 0);
 }
 
@@ -238,98 +224,78 @@ void BusyHost::otherChain() {
 }
 
 void BusyHost::otherStage() {
-    if (mChain.get() == nullptr) {
-        return;
-    }
+    BeautyShapeChain& chain = *mChain.get();
     FrameBuffer* frameBuffer = any(1) == 0 ? mEngine->getFrameBuffer() : nullptr;
     const bool add = any(2) != 0;
     switch (any(5)) {
         case 0:
-            mChain.get()->setSkinBuffing(add ? SkinBuffingNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
-                                             : nullptr);
-            break;
+            return chain.setSkinBuffing(makeStage<SkinBuffingNode>(add, mSize, frameBuffer));
         case 1:
-            mChain.get()->setHsv(add ? HsvNode::create(mSize, frameBuffer, PXFORMAT_RGB888) : nullptr);
-            break;
+            return chain.setHsv(makeStage<HsvNode>(add, mSize, frameBuffer));
         case 2:
-            mChain.get()->setSkinWhiting(add ? SkinWhitingNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
-                                             : nullptr);
-            break;
+            return chain.setSkinWhiting(makeStage<SkinWhitingNode>(add, mSize, frameBuffer));
         case 3:
-            mChain.get()->setFaceBuffingNode(
-                add ? FaceBuffingNode::create(mSize, frameBuffer, PXFORMAT_RGB888) : nullptr);
-            break;
+            return chain.setFaceBuffingNode(makeStage<FaceBuffingNode>(add, mSize, frameBuffer));
         case 4:
-            mChain.get()->setFaceShape(add ? FaceShapeNode::create(mSize, frameBuffer, PXFORMAT_RGB888)
-                                           : nullptr);
-            break;
+            return chain.setFaceShape(makeStage<FaceShapeNode>(add, mSize, frameBuffer));
         default:
-            mChain.get()->setFilter(add ? ColorFilter::create(mSize, frameBuffer, anyLook()) : nullptr);
+            return chain.setFilter(add ? ColorFilter::create(mSize, frameBuffer, anyLook()) : nullptr);
     }
 }
 
 void BusyHost::otherEffect() {
-    if (mChain.get() == nullptr) {
-        return;
-    }
+    BeautyShapeChain& chain = *mChain.get();
     RenderTexture* const looks[] = {Effect70SNode::create(mSize, nullptr, PXFORMAT_RGBA8888),
                                     GraffitiNode::create(mSize, nullptr, PXFORMAT_RGBA8888),
                                     JitterNode::create(mSize, nullptr, PXFORMAT_RGBA8888),
                                     SoulstuffNode::create(mSize, nullptr, PXFORMAT_RGBA8888), nullptr};
-    mChain.get()->setEffect(looks[any(4)]);
+    chain.setEffect(looks[any(4)]);
 }
 
 void BusyHost::otherTable() {
-    if (mChain.get() == nullptr) {
-        return;
-    }
-    ColorFilter* filter = mChain.get()->getFilter();
+    BeautyShapeChain& chain = *mChain.get();
+    ColorFilter* filter = chain.getFilter();
     if (filter != nullptr && any(1) == 0) {
         filter->setFilterImage(any(5) == 0 ? mResources + "/none.png" : anyLook());
     } else {
-        mChain.get()->setFilter(ColorFilter::create(mSize, nullptr, anyLook()));
+        chain.setFilter(ColorFilter::create(mSize, nullptr, anyLook()));
     }
 }
 
 void BusyHost::otherFlags() {
-    if (mChain.get() == nullptr) {
-        return;
-    }
-    RenderTexture* const members[] = {mChain.get()->getSkinBuffing(),     mChain.get()->getHsv(),
-                                      mChain.get()->getSkinWhiting(),     mChain.get()->getFaceShape(),
-                                      mChain.get()->getFaceBuffingNode(), mChain.get()->getEffect(),
-                                      mChain.get()->getFilter()};
+    BeautyShapeChain& chain = *mChain.get();
+    RenderTexture* const members[] = {
+        chain.getSkinBuffing(),     chain.getHsv(),    chain.getSkinWhiting(), chain.getFaceShape(),
+        chain.getFaceBuffingNode(), chain.getEffect(), chain.getFilter()};
     for (RenderTexture* member : members) {
         if (any(2) == 0) {
-            mChain.get()->setRenderTextureEnable(member, any(1) == 0, any(1) == 0);
+            chain.setRenderTextureEnable(member, any(1) == 0, any(1) == 0);
         }
     }
-    mChain.get()->relinkAll();
+    chain.relinkAll();
 }
 
 void BusyHost::otherStrengths() {
-    if (mChain.get() == nullptr) {
-        return;
-    }
-    if (SkinBuffingNode* skin = mChain.get()->getSkinBuffing()) {
+    BeautyShapeChain& chain = *mChain.get();
+    if (SkinBuffingNode* skin = chain.getSkinBuffing()) {
         skin->setSkinBuffing(anyAmount());
         skin->setSharpen(anyAmount());
     }
-    if (HsvNode* hsv = mChain.get()->getHsv()) {
+    if (HsvNode* hsv = chain.getHsv()) {
         hsv->setHue(anyAmount());
         hsv->setSaturation(anyAmount());
         hsv->setValue(anyAmount());
     }
-    if (SkinWhitingNode* whitening = mChain.get()->getSkinWhiting()) {
+    if (SkinWhitingNode* whitening = chain.getSkinWhiting()) {
         whitening->setSkinWhitening(anyAmount());
     }
-    if (ColorFilter* filter = mChain.get()->getFilter()) {
+    if (ColorFilter* filter = chain.getFilter()) {
         filter->setIntensity(anyAmount());
     }
-    if (FaceBuffingNode* face = mChain.get()->getFaceBuffingNode()) {
+    if (FaceBuffingNode* face = chain.getFaceBuffingNode()) {
         face->setFaceBuffing(anyAmount());
     }
-    if (FaceShapeNode* shape = mChain.get()->getFaceShape()) {
+    if (FaceShapeNode* shape = chain.getFaceShape()) {
         shape->updateFaceShape(any(8), 2.0F * anyAmount() - 1.0F);
         shape->setClipEdge(anyAmount());
     }
@@ -413,12 +379,9 @@ std::string BusyHost::rest() {
     mSize = kRestSize;
     std::vector<unsigned char> picture(bytesOf(mSize, 4));
     std::generate(picture.begin(), picture.end(), [&] { return static_cast<unsigned char>(any(255)); });
-    auto* sprite = new Sprite;
-    sprite->autorelease();
     Texture2D* texture = makePlane(mSize, 4);
     texture->updateWithData(picture.data(), picture.size());
-    sprite->init(texture, false);
-    mInput.set(sprite);
+    mInput.set(makeSprite(texture));
     mOutput.set(RenderTexture::create(mSize, nullptr, PXFORMAT_RGBA8888));
     mEngine->init(mInput.get(), mSize, mOutput.get(), false);
     mEngine->setLastRenderTexture(mOutput.get(), true);

@@ -10,6 +10,7 @@
 #include "core/UniqueDataPtr.h"
 #include "scene/RefHolder.h"
 #include "scene/ZVMediaEngine.h"
+#include "support/HostScreen.h"
 
 namespace zv {
 class BeautyShapeChain;
@@ -53,6 +54,7 @@ private:
     void otherOutput();
     void otherSize();
     void otherChain();
+    // These need a chain.
     void otherStage();
     void otherEffect();
     void otherTable();
@@ -72,14 +74,13 @@ private:
     std::string mResources;
     std::vector<std::string> mLooks;
     std::vector<std::string> mStickers;
-    std::unique_ptr<ZVMediaEngine> mEngine;
     Size16 mSize{64, 48};
+    test::HostScreen mScreen{mSize.x, mSize.y};
+    std::unique_ptr<ZVMediaEngine> mEngine;
     RefHolder<Sprite> mInput;
     RefHolder<RenderTexture> mOutput;
     RefHolder<BeautyShapeChain> mChain;
     UniqueDataPtr<unsigned char> mBytes;
-    unsigned int mScreen = 0;
-    unsigned int mScreenTexture = 0;
 };
 
 }  // namespace zv::soak

@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "core/FileUtil.h"
+#include "core/RefCreate.h"
 #include "core/ZVLog.h"
 #include "effects/BeautyShapeChain.h"
 #include "effects/HsvNode.h"
@@ -63,12 +64,9 @@ void liveBeside(int colour) {
         engine.setAutoUpdate(false);
         const Size16 size{9, 5};
         const std::vector<unsigned char> pixels(std::size_t{9} * 5 * 4, static_cast<unsigned char>(colour));
-        auto* texture = new Texture2D;
-        texture->autorelease();
-        texture->init(pixels.data(), pixels.size(), PXFORMAT_RGBA8888, size);
-        auto* sprite = new Sprite;
-        sprite->autorelease();
-        sprite->init(texture, false);
+        auto* texture = createRef<Texture2D>(
+            [&](Texture2D& t) { return t.init(pixels.data(), pixels.size(), PXFORMAT_RGBA8888, size); });
+        auto* sprite = createRef<Sprite>([&](Sprite& s) { return s.init(texture, false); });
         engine.init(sprite, size, RenderTexture::create(size, nullptr, PXFORMAT_RGBA8888), false);
         BeautyShapeChain* chain = BeautyShapeChain::create(size, engine.getFrameBuffer());
         engine.setRenderChain(chain);

@@ -23,8 +23,6 @@ namespace {
 
 struct Counts {
     std::size_t allocations = 0;
-    std::size_t frees = 0;
-    std::size_t bytes = 0;
     int paused = 0;
 };
 
@@ -39,16 +37,8 @@ namespace {
 void* allocate(std::size_t size) {
     if (tCounts.paused == 0) {
         ++tCounts.allocations;
-        tCounts.bytes += size;
     }
     return std::malloc(size != 0 ? size : 1);
-}
-
-void release(void* memory) {
-    if (memory != nullptr && tCounts.paused == 0) {
-        ++tCounts.frees;
-    }
-    std::free(memory);
 }
 
 }  // namespace
@@ -62,10 +52,10 @@ void* operator new(std::size_t size) {
     return memory;
 }
 void operator delete(void* memory) noexcept {
-    release(memory);
+    std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-    release(memory);
+    std::free(memory);
 }
 #endif
 
@@ -73,10 +63,7 @@ void operator delete(void* memory, std::size_t) noexcept {
 namespace {
 
 void* replaceAllocation(std::string_view name, void* address) {
-    if (name == "malloc") {
-        return reinterpret_cast<void*>(allocate);
-    }
-    return name == "free" ? reinterpret_cast<void*>(release) : address;
+    return name == "malloc" ? reinterpret_cast<void*>(allocate) : address;
 }
 
 }  // namespace
@@ -90,19 +77,10 @@ void AllocationCounter::watchLibrary() {
 #endif
 }
 
-AllocationCounter::AllocationCounter()
-    : mAllocations(tCounts.allocations), mFrees(tCounts.frees), mBytes(tCounts.bytes) {}
+AllocationCounter::AllocationCounter() : mAllocations(tCounts.allocations) {}
 
 std::size_t AllocationCounter::allocations() const {
     return tCounts.allocations - mAllocations;
-}
-
-std::size_t AllocationCounter::frees() const {
-    return tCounts.frees - mFrees;
-}
-
-std::size_t AllocationCounter::bytes() const {
-    return tCounts.bytes - mBytes;
 }
 
 bool AllocationCounter::available() {

@@ -4,18 +4,15 @@
 
 namespace zv::test {
 
-/// Counts what operator new and delete do on this thread, in the library and in the test, since it was made.
+/// Counts the calls of operator new on this thread, in the library and in the test, since it was made.
 /// What happens inside the GL driver is left out while a GLCallRecorder is alive.
 class AllocationCounter {
 public:
     AllocationCounter();
 
     std::size_t allocations() const;
-    std::size_t frees() const;
-    std::size_t bytes() const;
 
-    /// False under AddressSanitizer, which keeps operator new for itself. Skip with
-    /// ZV_NEEDS_ALLOCATION_COUNTER().
+    /// False under AddressSanitizer, which keeps operator new for itself: there nothing is counted.
     static bool available();
 
     /// On Windows, where the library allocates through its own copy of operator new: counts its calls of
@@ -28,13 +25,6 @@ public:
 
 private:
     std::size_t mAllocations;
-    std::size_t mFrees;
-    std::size_t mBytes;
 };
 
 }  // namespace zv::test
-
-/// Skips a test that counts allocations where they cannot be counted, and says why.
-#define ZV_NEEDS_ALLOCATION_COUNTER()                \
-    if (!::zv::test::AllocationCounter::available()) \
-    GTEST_SKIP() << "operator new belongs to the sanitizer in this build"

@@ -2,15 +2,7 @@
 
 #include <GL/glew.h>
 
-#include "core/PoolMgr.h"
-#include "core/RefPool.h"
-#include "scene/ZVEngine.h"
-
 namespace zv::test {
-
-EngineTest::EngineTest() = default;
-
-EngineTest::~EngineTest() = default;
 
 void EngineTest::SetUp() {
     ASSERT_TRUE(prepareContext());
@@ -25,10 +17,6 @@ void EngineTest::TearDown() {
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR))
             << "the engine's end left a GL error pending";
     }
-}
-
-void EngineTest::drainPool() {
-    engine->getPoolMgr()->getCurPool()->clear();
 }
 
 }  // namespace zv::test

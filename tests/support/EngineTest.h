@@ -2,11 +2,8 @@
 
 #include <memory>
 
+#include "scene/ZVEngine.h"
 #include "support/GLTest.h"
-
-namespace zv {
-class ZVEngine;
-}
 
 namespace zv::test {
 
@@ -15,14 +12,11 @@ namespace zv::test {
 /// first.
 class EngineTest : public GLTest {
 protected:
-    EngineTest();
-    ~EngineTest() override;
-
     void SetUp() override;
     void TearDown() override;
 
     /// Drains the engine's current pool.
-    void drainPool();
+    void drainPool() { engine->getPoolMgr()->getCurPool()->clear(); }
 
     std::unique_ptr<ZVEngine> engine;
 };

@@ -6,10 +6,7 @@
 #include <string>
 
 #include "core/FileUtil.h"
-#include "core/PoolMgr.h"
-#include "core/RefPool.h"
 #include "gl/ConfigGL.h"
-#include "gl/RenderState.h"
 
 namespace zv::test {
 
@@ -58,10 +55,6 @@ void resetFixedState() {
 }
 
 }  // namespace
-
-GLTest::GLTest() = default;
-
-GLTest::~GLTest() = default;
 
 GLTest::Kind GLTest::kind() {
     const char* given = std::getenv("ZV_TEST_GL");
@@ -116,14 +109,6 @@ void GLTest::TearDown() {
     sRenderState = nullptr;
     PoolMgr::setLookup(nullptr);
     RenderState::setLookup(nullptr);
-}
-
-void GLTest::drainPool() {
-    mPools->getCurPool()->clear();
-}
-
-RenderState* GLTest::renderState() const {
-    return mRenderState.get();
 }
 
 }  // namespace zv::test

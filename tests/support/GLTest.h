@@ -4,12 +4,10 @@
 
 #include <memory>
 
+#include "core/PoolMgr.h"
+#include "core/RefPool.h"
+#include "gl/RenderState.h"
 #include "host/HeadlessContext.h"
-
-namespace zv {
-class PoolMgr;
-class RenderState;
-}  // namespace zv
 
 namespace zv::test {
 
@@ -27,15 +25,12 @@ public:
     static const std::shared_ptr<host::HeadlessContext>& context();
 
 protected:
-    GLTest();
-    ~GLTest() override;
-
     void SetUp() override;
     void TearDown() override;
 
     /// Releases what the test autoreleased so far.
-    void drainPool();
-    RenderState* renderState() const;
+    void drainPool() { mPools->getCurPool()->clear(); }
+    RenderState* renderState() const { return mRenderState.get(); }
 
     /// Makes the context current and resets bindings, view port, blending and pixel store to GL's defaults;
     /// answers false (and fails the test) without a context.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <GL/glew.h>
-
 #include <memory>
 
 #include "core/PoolMgr.h"
@@ -12,12 +10,13 @@
 #include "scene/Sprite.h"
 #include "scene/ZVMediaEngine.h"
 #include "support/EngineTest.h"
+#include "support/HostScreen.h"
 #include "support/Picture.h"
 
 namespace zv::test {
 
-/// A test with a media engine of its own, auto update off, and a frame buffer for the host's screen, bound:
-/// a context without a display has no window to draw to. Pictures have their top row first.
+/// A test with a media engine of its own, auto update off, and the host's screen. Pictures have their top row
+/// first.
 class MediaTest : public EngineTest {
 protected:
     static constexpr int kWidth = 16;
@@ -30,14 +29,8 @@ protected:
         media = made.get();
         engine = std::move(made);
         media->setAutoUpdate(false);
-        glGenTextures(1, &mScreenTexture);
-        glBindTexture(GL_TEXTURE_2D, mScreenTexture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, kWidth, kHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-        glBindTexture(GL_TEXTURE_2D, 0);
-        glGenFramebuffers(1, &screen);
-        glBindFramebuffer(GL_FRAMEBUFFER, screen);
-        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, mScreenTexture, 0);
-        glClear(GL_COLOR_BUFFER_BIT);
+        mScreen = std::make_unique<HostScreen>(kWidth, kHeight);
+        screen = mScreen->frameBuffer;
     }
 
     void TearDown() override {
@@ -45,17 +38,15 @@ protected:
         glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
         EXPECT_EQ(static_cast<GLuint>(bound), screen) << "the host's frame buffer must be bound again";
         EngineTest::TearDown();
-        glDeleteFramebuffers(1, &screen);
-        glDeleteTextures(1, &mScreenTexture);
+        mScreen.reset();
     }
 
     /// Autoreleased, like everything below: the next update() drops what nobody retained.
     static Texture2D* makeTexture(const Picture& picture) {
         auto* texture = new Texture2D;
         texture->autorelease();
-        EXPECT_TRUE(texture->init(
-            picture.rgba.data(), picture.rgba.size(), PXFORMAT_RGBA8888,
-            {static_cast<unsigned short>(picture.width), static_cast<unsigned short>(picture.height)}));
+        EXPECT_TRUE(
+            texture->init(picture.rgba.data(), picture.rgba.size(), PXFORMAT_RGBA8888, sizeOf(picture)));
         return texture;
     }
     static Sprite* makeSprite(const Picture& picture) {
@@ -78,13 +69,13 @@ protected:
     Picture output() { return pictureOf(media->getLastRenderTexture()->getTexture(0)); }
 
     /// The picture on the screen.
-    Picture shown() const { return Picture::readTexture(mScreenTexture, kWidth, kHeight).flippedY(); }
+    Picture shown() const { return Picture::readTexture(mScreen->texture, kWidth, kHeight).flippedY(); }
 
     ZVMediaEngine* media = nullptr;
     unsigned int screen = 0;
 
 private:
-    unsigned int mScreenTexture = 0;
+    std::unique_ptr<HostScreen> mScreen;
 };
 
 }  // namespace zv::test

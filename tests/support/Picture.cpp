@@ -5,6 +5,7 @@
 #include <png.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -84,6 +85,21 @@ Pixel Picture::at(int x, int y) const {
     }
     const std::size_t from = offset(x, y);
     return {rgba[from], rgba[from + 1], rgba[from + 2], rgba[from + 3]};
+}
+
+std::array<double, 4> Picture::between(double x, double y) const {
+    const double left = std::floor(x), top = std::floor(y);
+    std::array<double, 4> mixed{};
+    for (int corner = 0; corner < 4; ++corner) {
+        const int dx = corner % 2, dy = corner / 2;
+        const double weight = (dx ? x - left : 1 - x + left) * (dy ? y - top : 1 - y + top);
+        const Pixel pixel = at(std::clamp(static_cast<int>(left) + dx, 0, width - 1),
+                               std::clamp(static_cast<int>(top) + dy, 0, height - 1));
+        for (std::size_t i = 0; i < 4; ++i) {
+            mixed[i] += weight * pixel[i];
+        }
+    }
+    return mixed;
 }
 
 void Picture::set(int x, int y, Pixel pixel) {

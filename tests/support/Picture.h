@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "core/TVec.h"
+
 namespace zv::test {
 
 using Pixel = std::array<std::uint8_t, 4>;  ///< red, green, blue, alpha
@@ -43,6 +45,8 @@ struct Picture {
     bool empty() const { return rgba.empty(); }
     Pixel at(int x, int y) const;
     void set(int x, int y, Pixel pixel);
+    /// Between the pixels, linear, the border repeated; whole numbers are pixel centres.
+    std::array<double, 4> between(double x, double y) const;
     Picture flippedY() const;
     Picture cropped(int x, int y, int cropWidth, int cropHeight) const;
     /// The pixels without alpha, rows tight: what an RGB texture takes.
@@ -58,5 +62,9 @@ struct Picture {
 private:
     std::size_t offset(int x, int y) const;
 };
+
+inline Size16 sizeOf(const Picture& picture) {
+    return {static_cast<unsigned short>(picture.width), static_cast<unsigned short>(picture.height)};
+}
 
 }  // namespace zv::test

@@ -3,7 +3,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "algorithm/AlgTypes.h"
+#include "algorithm/AlgDelivery.h"
+#include "algorithm/AlgKelNN.h"
 
 namespace zv::test {
 
@@ -20,5 +21,17 @@ inline void placeFace(kel_algorithm::AlgFaceLandmarks& face, Vec2f middle, float
     face.points[kChin] = {middle.x, middle.y - radius};
     face.confidence = 1.0F;
 }
+
+/// A detector that finds what it was told.
+struct ToldDetector : kel_algorithm::AlgKelNN::Detector {
+    kel_algorithm::AlgFaceResults told;
+    int calls = 0;
+    bool detect(kel_algorithm::AlgFaceResults& results) override {
+        ++calls;
+        kel_algorithm::copyElement(told.landmarks, results.landmarks);
+        kel_algorithm::copyElement(told.mats, results.mats);
+        return true;
+    }
+};
 
 }  // namespace zv::test
