@@ -245,12 +245,10 @@ void RenderState::drawArraysUnfiltered(unsigned int mode, int first, int count) 
     }
     if (mNearestSampler == 0) {
         glGenSamplers(1, &mNearestSampler);
-        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
-            glSamplerParameteri(mNearestSampler, filter, GL_NEAREST);
-        }
-        for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
-            glSamplerParameteri(mNearestSampler, wrap, GL_CLAMP_TO_EDGE);
-        }
+        glSamplerParameteri(mNearestSampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glSamplerParameteri(mNearestSampler, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+        glSamplerParameteri(mNearestSampler, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+        glSamplerParameteri(mNearestSampler, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     }
     glBindSampler(0, mNearestSampler);
     drawArrays(mode, first, count);
