@@ -72,6 +72,7 @@ Census Census::take() {
         count([](GLuint name) { return glIsProgram(name) | glIsShader(name); }, newProgramName()),
         count([](GLuint name) { return glIsRenderbuffer(name); },
               newName(glGenRenderbuffers, glDeleteRenderbuffers)),
+        count([](GLuint name) { return glIsSampler(name); }, newName(glGenSamplers, glDeleteSamplers)),
         count([](GLuint name) { return glIsVertexArray(name); },
               newName(glGenVertexArrays, glDeleteVertexArrays))};
     return census;
