@@ -67,7 +67,12 @@ void HostState::learnContext() {
     mContextKnown = true;
 }
 
-void HostState::shield() {
+bool HostState::shield() {
+    for (const HostState* state = tShielded; state != nullptr; state = state->mOuter) {
+        if (state == this) {
+            return false;
+        }
+    }
     learnContext();
     glGetIntegerv(GL_CURRENT_PROGRAM, &mProgram);
     glGetIntegerv(GL_VIEWPORT, mViewPort.data());
@@ -80,6 +85,7 @@ void HostState::shield() {
     mKeepsPixelStore = false;
     mOuter = tShielded;
     tShielded = this;
+    return true;
 }
 
 void HostState::restore() {

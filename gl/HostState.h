@@ -21,8 +21,9 @@ namespace zv {
 class ZV_API HostState {
 public:
     /// Reads the host's state and replaces what would spoil our pictures by GL's defaults. No vertex array is
-    /// bound afterwards.
-    void shield();
+    /// bound afterwards. False, with nothing done, when this one is shielded already: a frame within a frame
+    /// of its own leaves it to the outer one to restore.
+    bool shield();
     /// Puts back what shield() and the functions below read.
     void restore();
 

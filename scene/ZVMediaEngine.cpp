@@ -24,8 +24,10 @@ public:
     explicit HostStateScope(const ZVMediaEngine& engine)
         : mState(engine.mKeepHostState ? engine.mHostState.get() : nullptr),
           mRenderState(engine.getRenderState()) {
+        if (mState && !mState->shield()) {
+            mState = nullptr;  // an operation within another one of this engine
+        }
         if (mState) {
-            mState->shield();
             mRenderState->reset();
         }
     }

@@ -132,6 +132,7 @@ TEST_F(HostStateTest, OneWithinAnotherGivesBackWhatItFound) {
     outer.shield();
     bindNothing(0);
     inner.shield();
+    EXPECT_FALSE(outer.shield() || inner.shield()) << "each is shielded already";
     bindNothing(0);
     bindNothing(1);
     inner.restore();
